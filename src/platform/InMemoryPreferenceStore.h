@@ -1,0 +1,28 @@
+// A preference store that lives only in memory, for tests. It can be told to refuse writes
+// and counts the writes it accepted, so callers can check that nothing was written.
+#pragma once
+
+#include "platform/PreferenceStore.h"
+
+#include <functional>
+#include <map>
+
+namespace glyphmill {
+
+class InMemoryPreferenceStore final : public PreferenceStore {
+public:
+    std::optional<PreferenceValue> value(std::string_view key) const override;
+    bool setValue(std::string_view key, const PreferenceValue &value) override;
+    bool removeValue(std::string_view key) override;
+
+    void setFailsWrites(bool failsWrites) { failsWrites_ = failsWrites; }
+    // Accepted calls of setValue and removeValue.
+    int writeCount() const { return writeCount_; }
+
+private:
+    std::map<std::string, PreferenceValue, std::less<>> values_;
+    bool failsWrites_ = false;
+    int writeCount_ = 0;
+};
+
+} // namespace glyphmill

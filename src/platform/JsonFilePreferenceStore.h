@@ -1,0 +1,44 @@
+// The preference store on Linux: one JSON object in one file. Every write takes a lock,
+// re-reads the file, changes one key and replaces the file atomically, so the tray
+// application and the command line can write at the same time without losing each other's keys.
+// One instance serves one thread.
+#pragma once
+
+#include "platform/PreferenceStore.h"
+
+#include <memory>
+
+namespace glyphmill {
+
+class JsonFilePreferenceStore final : public PreferenceStore {
+public:
+    // $XDG_CONFIG_HOME/glyphmill/preferences.json; XDG_CONFIG_HOME defaults to ~/.config.
+    static std::string defaultPath();
+
+    JsonFilePreferenceStore();
+    explicit JsonFilePreferenceStore(std::string path);
+    ~JsonFilePreferenceStore() override;
+    JsonFilePreferenceStore(const JsonFilePreferenceStore &) = delete;
+    JsonFilePreferenceStore &operator=(const JsonFilePreferenceStore &) = delete;
+
+    // Answered from what was last read or written; the file is read again only by writes.
+    std::optional<PreferenceValue> value(std::string_view key) const override;
+    bool setValue(std::string_view key, const PreferenceValue &value) override;
+    bool removeValue(std::string_view key) override;
+
+    const std::string &path() const { return path_; }
+    // Every key present, including those whose value has a shape this store does not know.
+    std::vector<std::string> keys() const;
+    // Where a file that could not be read as preferences was moved, so the user can be told.
+    const std::optional<std::string> &setAsidePath() const { return setAsidePath_; }
+
+private:
+    struct Entries;
+    bool rewrite(std::string_view key, const PreferenceValue *newValue);
+
+    std::string path_;
+    std::unique_ptr<Entries> entries_;
+    std::optional<std::string> setAsidePath_;
+};
+
+} // namespace glyphmill

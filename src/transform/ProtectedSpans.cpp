@@ -1,0 +1,225 @@
+#include "ProtectedSpans.h"
+
+#include "SpanDetectors.h"
+#include "TermMatcher.h"
+#include "TextModel.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace glyphmill {
+namespace {
+
+void appendPlaceholder(std::u16string &out, std::uint32_t number) {
+    char digits[16];
+    auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    out.push_back(text::placeholderStart);
+    for (char *d = digits; d != end; ++d)
+        out.push_back(char16_t(*d));
+    out.push_back(text::placeholderEnd);
+}
+
+// Replaces each range by a placeholder. Numbers are handed out from the last range back to
+// the first, so that the earliest range gets the highest number.
+void maskRanges(std::u16string &working, std::u16string &scratch, const std::vector<TextRange> &ranges,
+                PlaceholderMap &placeholders) {
+    std::vector<const TextRange *> kept;
+    kept.reserve(ranges.size());
+    for (const auto &range : ranges) {
+        auto matched = std::u16string_view(working).substr(range.start, range.end - range.start);
+        if (matched.find(text::placeholderStart) == std::u16string_view::npos)
+            kept.push_back(&range);
+    }
+    if (kept.empty())
+        return;
+    std::vector<std::uint32_t> numbers(kept.size());
+    for (std::size_t k = kept.size(); k-- > 0;) {
+        const TextRange &range = *kept[k];
+        numbers[k] = placeholders.addSpan(working.substr(range.start, range.end - range.start));
+    }
+    // Two buffers take turns, so a long text is not allocated afresh for every detector.
+    scratch.clear();
+    std::size_t copied = 0;
+    for (std::size_t k = 0; k < kept.size(); ++k) {
+        scratch.append(working, copied, kept[k]->start - copied);
+        appendPlaceholder(scratch, numbers[k]);
+        copied = kept[k]->end;
+    }
+    scratch.append(working, copied, std::u16string::npos);
+    working.swap(scratch);
+}
+
+// The number of a placeholder key that starts at text[i] (which is U+E000), and its length.
+std::optional<std::pair<std::uint32_t, std::size_t>> placeholderAt(std::u16string_view text, std::size_t i) {
+    std::size_t digitsStart = i + 1;
+    std::size_t j = digitsStart;
+    std::uint64_t number = 0;
+    while (j < text.size() && text[j] >= u'0' && text[j] <= u'9' && j - digitsStart < 10) {
+        number = number * 10 + (text[j] - u'0');
+        ++j;
+    }
+    if (j == digitsStart || j >= text.size() || text[j] != text::placeholderEnd)
+        return std::nullopt;
+    if (text[digitsStart] == u'0' && j - digitsStart > 1) // keys have no leading zeros
+        return std::nullopt;
+    if (number > UINT32_MAX)
+        return std::nullopt;
+    return std::pair{std::uint32_t(number), j + 1 - i};
+}
+
+// Key by key, longest first, every occurrence replaced left to right. Used only when the text
+// holds stray placeholder characters or a remembered text holds one, where the order shows.
+std::u16string restoreKeyByKey(std::u16string_view text, const PlaceholderMap &placeholders) {
+    auto entries = placeholders.entries();
+    std::vector<std::pair<std::u16string, std::u16string>> ordered(entries.begin(), entries.end());
+    std::stable_sort(ordered.begin(), ordered.end(), [](const auto &a, const auto &b) {
+        return text::graphemeCount(a.first) > text::graphemeCount(b.first);
+    });
+    std::u16string result(text);
+    for (const auto &[key, value] : ordered) {
+        std::u16string next;
+        std::size_t copied = 0;
+        for (std::size_t at = result.find(key); at != std::u16string::npos;
+             at = result.find(key, at + key.size())) {
+            next.append(result, copied, at - copied);
+            next.append(value);
+            copied = at + key.size();
+        }
+        if (copied == 0)
+            continue;
+        next.append(result, copied, std::u16string::npos);
+        result = std::move(next);
+    }
+    return result;
+}
+
+} // namespace
+
+std::u16string placeholder(std::uint32_t number) {
+    std::u16string out;
+    appendPlaceholder(out, number);
+    return out;
+}
+
+void PlaceholderMap::noteText(const std::u16string &value) {
+    if (!hasPlaceholderCharacters_ && value.find_first_of(u"\uE000\uE001") != std::u16string::npos)
+        hasPlaceholderCharacters_ = true;
+}
+
+std::uint32_t PlaceholderMap::addSpan(std::u16string value) {
+    noteText(value);
+    spans_.push_back(std::move(value));
+    return std::uint32_t(spans_.size() - 1);
+}
+
+std::uint32_t PlaceholderMap::addTerm(std::u16string value) {
+    noteText(value);
+    terms_.push_back(std::move(value));
+    return firstTermPlaceholderNumber + std::uint32_t(terms_.size() - 1);
+}
+
+const std::u16string *PlaceholderMap::find(std::uint32_t number) const {
+    if (number >= firstTermPlaceholderNumber && number - firstTermPlaceholderNumber < terms_.size())
+        return &terms_[number - firstTermPlaceholderNumber];
+    if (number < spans_.size())
+        return &spans_[number];
+    return nullptr;
+}
+
+std::map<std::u16string, std::u16string> PlaceholderMap::entries() const {
+    std::map<std::u16string, std::u16string> all;
+    for (std::size_t n = 0; n < spans_.size(); ++n)
+        all[placeholder(std::uint32_t(n))] = spans_[n];
+    for (std::size_t n = 0; n < terms_.size(); ++n)
+        all[placeholder(firstTermPlaceholderNumber + std::uint32_t(n))] = terms_[n];
+    return all;
+}
+
+MaskedText maskProtectedSpans(std::u16string_view input, const TextProtectionOptions &options) {
+    MaskedText result{std::u16string(input), {}};
+    using Detector = std::vector<TextRange> (*)(std::u16string_view);
+    const std::pair<bool, Detector> detectors[] = {
+        {options.preserveURLs, findLinks},
+        {options.preserveEmails, findEmailAddresses},
+        {options.preserveFilePaths, findFilePaths},
+        {options.preserveHashtagsAndMentions, findHashtagsAndMentions},
+        {options.preserveCodeLikeTokens, findCodeSpans},
+    };
+    std::u16string scratch;
+    for (const auto &[enabled, detect] : detectors)
+        if (enabled)
+            maskRanges(result.text, scratch, detect(result.text), result.placeholders);
+    return result;
+}
+
+std::vector<TextTransformer::Segment> splitByProtectedTerms(std::u16string_view text,
+                                                            const std::vector<std::u16string> &terms) {
+    using Segment = TextTransformer::Segment;
+    std::vector<Segment> segments;
+    if (text.empty() || terms.empty()) {
+        segments.push_back({Segment::Kind::plain, std::u16string(text)});
+        return segments;
+    }
+    TermMatcher matcher(terms);
+    std::size_t runStart = 0;
+    matcher.forEachMatch(text, [&](std::size_t start, std::size_t end, const std::u16string &term) {
+        if (start > runStart)
+            segments.push_back(
+                {Segment::Kind::plain, std::u16string(text.substr(runStart, start - runStart))});
+        segments.push_back({Segment::Kind::protectedTerm, term});
+        runStart = end;
+    });
+    if (runStart < text.size() || segments.empty())
+        segments.push_back({Segment::Kind::plain, std::u16string(text.substr(runStart))});
+    return segments;
+}
+
+std::u16string maskProtectedTerms(std::u16string_view text, const std::vector<std::u16string> &terms,
+                                  PlaceholderMap &placeholders) {
+    if (text.empty() || terms.empty())
+        return std::u16string(text);
+    std::u16string masked;
+    masked.reserve(text.size());
+    std::size_t copied = 0;
+    TermMatcher(terms).forEachMatch(text,
+                                    [&](std::size_t start, std::size_t end, const std::u16string &term) {
+                                        masked.append(text.substr(copied, start - copied));
+                                        appendPlaceholder(masked, placeholders.addTerm(term));
+                                        copied = end;
+                                    });
+    masked.append(text.substr(copied));
+    return masked;
+}
+
+std::u16string restorePlaceholders(std::u16string_view text, const PlaceholderMap &placeholders) {
+    if (placeholders.empty())
+        return std::u16string(text);
+    // When every placeholder character of the text belongs to a key of the map and no
+    // remembered text holds one, keys cannot overlap or arise from a replacement: one pass
+    // that replaces each key where it stands gives the text that replacing key by key gives.
+    std::u16string result;
+    result.reserve(text.size() + text.size() / 2);
+    std::size_t copied = 0;
+    std::size_t replaced = 0;
+    std::size_t starts = 0;
+    for (std::size_t at = text.find(text::placeholderStart); at != std::u16string_view::npos;
+         at = text.find(text::placeholderStart, at + 1)) {
+        ++starts;
+        auto key = placeholderAt(text, at);
+        const std::u16string *value = key ? placeholders.find(key->first) : nullptr;
+        if (!value)
+            break;
+        result.append(text.substr(copied, at - copied));
+        result.append(*value);
+        copied = at + key->second;
+        at = copied - 1;
+        ++replaced;
+    }
+    if (placeholders.hasPlaceholderCharacters() || starts != replaced ||
+        std::size_t(std::count(text.begin(), text.end(), text::placeholderEnd)) != replaced)
+        return restoreKeyByKey(text, placeholders);
+    result.append(text.substr(copied));
+    return result;
+}
+
+} // namespace glyphmill

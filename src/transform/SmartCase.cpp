@@ -1,0 +1,321 @@
+#include "CaseRules.h"
+
+#include "ProtectedSpans.h"
+#include "SpanDetectors.h"
+#include "TextModel.h"
+
+#include <unicode/uchar.h>
+
+namespace glyphmill {
+namespace {
+
+using text::codePointAt;
+using text::codeUnitCount;
+using text::GraphemeCursor;
+
+constexpr std::size_t minimumAlphabeticForAllCaps = 4;
+constexpr double allCapsShare = 0.85;
+constexpr std::size_t looksAllCapsMinimumLetters = 5;
+constexpr double looksAllCapsShare = 0.92;
+
+bool isSentenceTerminator(std::u16string_view g) {
+    return g == u"." || g == u"!" || g == u"?" || g == u"\u2026";
+}
+bool isBullet(std::u16string_view g) {
+    return g == u"\u2022" || g == u"-" || g == u"*" || g == u"\u2013" || g == u"\u2014";
+}
+
+bool containsPrivateUse(std::u16string_view text) {
+    for (char16_t unit : text)
+        if (unit >= 0xE000 && unit <= 0xF8FF)
+            return true;
+    return false;
+}
+
+bool isLetter(char32_t c) {
+    if (c < 0x80)
+        return (c | 0x20) >= u'a' && (c | 0x20) <= u'z';
+    return (U_GET_GC_MASK(UChar32(c)) & U_GC_L_MASK) != 0;
+}
+bool isUppercaseLetter(char32_t c) {
+    if (c < 0x80)
+        return c >= u'A' && c <= u'Z';
+    return u_charType(UChar32(c)) == U_UPPERCASE_LETTER;
+}
+
+// All matches of \b[class]{minimum,}\b, as ICU's engine finds them left to right.
+template <typename InClass>
+std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass, std::size_t minimum) {
+    std::vector<TextRange> matches;
+    std::size_t i = 0;
+    while (i < text.size()) {
+        char32_t c = codePointAt(text, i);
+        if (!inClass(c) || !isRegexWordBoundary(text, i)) {
+            i += codeUnitCount(c);
+            continue;
+        }
+        std::size_t runEnd = i;
+        std::size_t count = 0;
+        while (runEnd < text.size()) {
+            char32_t d = codePointAt(text, runEnd);
+            if (!inClass(d))
+                break;
+            runEnd += codeUnitCount(d);
+            ++count;
+        }
+        // Give back code points until the end sits on a word boundary.
+        std::optional<std::size_t> end;
+        for (std::size_t k = runEnd; count >= minimum && count > 0; --count) {
+            if (isRegexWordBoundary(text, k)) {
+                end = k;
+                break;
+            }
+            k -= codeUnitCount(text::codePointBefore(text, k));
+        }
+        if (end) {
+            matches.push_back({i, *end});
+            i = *end;
+        } else {
+            i += codeUnitCount(c);
+        }
+    }
+    return matches;
+}
+
+std::vector<TextRange> findWords(std::u16string_view text) {
+    return findBoundedRuns(text, isLetter, 1);
+}
+std::vector<TextRange> findShoutedRuns(std::u16string_view text) {
+    return findBoundedRuns(text, isUppercaseLetter, 2);
+}
+
+bool isMostlyUppercase(std::u16string_view text) {
+    GraphemeCursor cursor(text);
+    std::size_t alphabetic = 0;
+    std::size_t uppercase = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        std::size_t end = cursor.next(i);
+        auto g = text.substr(i, end - i);
+        if (text::isAlphabeticGrapheme(g)) {
+            ++alphabetic;
+            if (text::isUppercaseGrapheme(g))
+                ++uppercase;
+        }
+        i = end;
+    }
+    if (alphabetic < minimumAlphabeticForAllCaps)
+        return false;
+    return double(uppercase) / double(alphabetic) >= allCapsShare;
+}
+
+// Rebuilds text with each range replaced by what replace(range text) gives; a none keeps it.
+template <typename Replace>
+std::u16string replaceRanges(std::u16string_view text, const std::vector<TextRange> &ranges,
+                             Replace replace) {
+    std::u16string out;
+    out.reserve(text.size());
+    std::size_t copied = 0;
+    for (const auto &range : ranges) {
+        out.append(text.substr(copied, range.start - copied));
+        auto matched = text.substr(range.start, range.end - range.start);
+        if (!replace(out, matched))
+            out.append(matched);
+        copied = range.end;
+    }
+    out.append(text.substr(copied));
+    return out;
+}
+
+std::u16string capitalizeAllCapsWords(std::u16string_view text) {
+    return replaceRanges(text, findWords(text), [](std::u16string &out, std::u16string_view word) {
+        if (containsPrivateUse(word))
+            return false;
+        GraphemeCursor cursor(word);
+        bool anyAlphabetic = false;
+        for (std::size_t i = 0; i < word.size();) {
+            std::size_t end = cursor.next(i);
+            auto g = word.substr(i, end - i);
+            if (text::isAlphabeticGrapheme(g)) {
+                anyAlphabetic = true;
+                if (!text::isUppercaseGrapheme(g))
+                    return false;
+            }
+            i = end;
+        }
+        if (!anyAlphabetic)
+            return false;
+        text::appendCapitalizedWord(out, text::lowerMapped(word));
+        return true;
+    });
+}
+
+// Whether the gap between two words ends a sentence or a line.
+bool gapStartsSentence(std::u16string_view gap) {
+    if (gap.find_first_of(u".!?\u2026\n") == std::u16string_view::npos)
+        return false;
+    GraphemeCursor cursor(gap);
+    for (std::size_t i = 0; i < gap.size();) {
+        std::size_t end = cursor.next(i);
+        auto g = gap.substr(i, end - i);
+        if (isSentenceTerminator(g) || text::isLineFeedGrapheme(g))
+            return true;
+        i = end;
+    }
+    return false;
+}
+
+std::u16string lowercaseMinorWords(std::u16string_view text) {
+    bool sentenceStart = true;
+    std::size_t previousEnd = 0;
+    return replaceRanges(text, findWords(text), [&](std::u16string &out, std::u16string_view word) {
+        auto gapStart = previousEnd;
+        auto wordStart = std::size_t(word.data() - text.data());
+        previousEnd = wordStart + word.size();
+        if (gapStartsSentence(text.substr(gapStart, wordStart - gapStart)))
+            sentenceStart = true;
+        bool keep = sentenceStart || containsPrivateUse(word) || !text::isMinorWord(word);
+        sentenceStart = false;
+        if (keep)
+            return false;
+        text::appendLowerMapped(out, word);
+        return true;
+    });
+}
+
+std::u16string lowercaseShoutedRuns(std::u16string_view text) {
+    return replaceRanges(text, findShoutedRuns(text), [&](std::u16string &out, std::u16string_view run) {
+        if (containsPrivateUse(run))
+            return false;
+        auto start = std::size_t(run.data() - text.data());
+        if (start > 0 &&
+            (text[start - 1] == text::placeholderStart || text[start - 1] == text::placeholderEnd))
+            return false;
+        text::appendLowerMapped(out, run);
+        return true;
+    });
+}
+
+// List markers, read forward from the grapheme that starts at i.
+class ListMarkers {
+public:
+    explicit ListMarkers(const GraphemeCursor &cursor) : cursor_(cursor), text_(cursor.text()) {}
+
+    // The position after the marker and the white space that follows it, when a marker starts at i.
+    std::optional<std::size_t> markerEnd(std::size_t i) const {
+        std::size_t end = cursor_.next(i);
+        auto g = text_.substr(i, end - i);
+        std::size_t afterMarker;
+        if (isBullet(g)) {
+            if (end < text_.size() && !isWhiteSpaceAt(end))
+                return std::nullopt;
+            afterMarker = end;
+        } else if (text::isNumericGrapheme(g)) {
+            std::size_t k = end;
+            while (k < text_.size() && text::isNumericGrapheme(graphemeAt(k)))
+                k = cursor_.next(k);
+            if (k >= text_.size())
+                return std::nullopt;
+            auto closer = graphemeAt(k);
+            if (closer != u"." && closer != u")")
+                return std::nullopt;
+            afterMarker = cursor_.next(k);
+            if (afterMarker < text_.size() && !isWhiteSpaceAt(afterMarker))
+                return std::nullopt;
+        } else {
+            return std::nullopt;
+        }
+        while (afterMarker < text_.size() && isWhiteSpaceAt(afterMarker))
+            afterMarker = cursor_.next(afterMarker);
+        return afterMarker;
+    }
+
+private:
+    std::u16string_view graphemeAt(std::size_t i) const { return text_.substr(i, cursor_.next(i) - i); }
+    bool isWhiteSpaceAt(std::size_t i) const { return text::isWhiteSpaceGrapheme(graphemeAt(i)); }
+
+    const GraphemeCursor &cursor_;
+    std::u16string_view text_;
+};
+
+std::u16string sentenceCase(std::u16string_view text) {
+    GraphemeCursor cursor(text);
+    ListMarkers markers(cursor);
+    std::u16string out;
+    out.reserve(text.size() + 16);
+    bool sentenceStart = true;
+    std::size_t i = 0;
+    while (i < text.size()) {
+        std::size_t end = cursor.next(i);
+        auto g = text.substr(i, end - i);
+        if (text::isLineFeedGrapheme(g)) {
+            sentenceStart = true;
+        } else if (sentenceStart) {
+            if (auto afterMarker = markers.markerEnd(i)) {
+                out.append(text.substr(i, *afterMarker - i));
+                i = *afterMarker;
+                continue;
+            }
+            if (text::isAlphabeticGrapheme(g)) {
+                text::appendUpperMapped(out, g);
+                i = end;
+                // The rest of the first word goes to lower case, across apostrophes.
+                while (i < text.size()) {
+                    end = cursor.next(i);
+                    g = text.substr(i, end - i);
+                    if (text::isAlphabeticGrapheme(g))
+                        text::appendLowerMapped(out, g);
+                    else if (g == u"'")
+                        out.append(g);
+                    else
+                        break;
+                    i = end;
+                }
+                sentenceStart = false;
+                continue;
+            }
+        } else if (isSentenceTerminator(g)) {
+            sentenceStart = true;
+        }
+        out.append(g);
+        i = end;
+    }
+    return out;
+}
+
+} // namespace
+
+std::u16string smartCaseText(std::u16string_view text, const std::vector<std::u16string> &terms,
+                             const TextProtectionOptions &options) {
+    if (text.empty())
+        return std::u16string(text);
+    MaskedText masked = maskProtectedSpans(text, options);
+    std::u16string working = std::move(masked.text);
+    if (options.preserveProtectedTerms)
+        working = maskProtectedTerms(working, terms, masked.placeholders);
+    if (options.correctAllUppercaseProse) {
+        if (isMostlyUppercase(working))
+            working = lowercaseMinorWords(capitalizeAllCapsWords(working));
+        else
+            working = lowercaseShoutedRuns(working);
+    }
+    return restorePlaceholders(sentenceCase(working), masked.placeholders);
+}
+
+bool looksAllCaps(std::u16string_view text) {
+    std::size_t upper = 0;
+    std::size_t lower = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        char32_t c = codePointAt(text, i);
+        auto type = u_charType(UChar32(c));
+        if (type == U_UPPERCASE_LETTER || type == U_TITLECASE_LETTER)
+            ++upper;
+        else if (type == U_LOWERCASE_LETTER)
+            ++lower;
+        i += codeUnitCount(c);
+    }
+    if (upper + lower < looksAllCapsMinimumLetters)
+        return false;
+    return double(upper) / double(upper + lower) >= looksAllCapsShare;
+}
+
+} // namespace glyphmill

@@ -1,0 +1,322 @@
+#include "SpanDetectors.h"
+
+#include "FastScan.h"
+#include "TextModel.h"
+
+#include <unicode/regex.h>
+#include <unicode/uchar.h>
+#include <unicode/uniset.h>
+#include <unicode/utext.h>
+
+#include <memory>
+#include <optional>
+
+namespace glyphmill {
+namespace {
+
+using text::codePointAt;
+using text::codePointBefore;
+using text::codeUnitCount;
+
+bool isAsciiLetter(char16_t unit) {
+    return (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z';
+}
+bool isAsciiDigit(char16_t unit) {
+    return unit >= u'0' && unit <= u'9';
+}
+
+// Patterns that are still run by ICU, but only where a cheap test has found a candidate.
+// A compiled pattern is immutable and may be shared between threads; matchers are per call.
+class AnchoredPattern {
+public:
+    AnchoredPattern(const char16_t *pattern, uint32_t flags) {
+        UErrorCode status = U_ZERO_ERROR;
+        pattern_.reset(icu::RegexPattern::compile(icu::UnicodeString(pattern), flags, status));
+        if (U_FAILURE(status))
+            pattern_.reset();
+    }
+
+    // Runs over one text; lookingAt(start) gives the end of the match that begins exactly at
+    // start, seeing the text around it as the whole-text search would.
+    class Matcher {
+    public:
+        Matcher(const icu::RegexPattern *pattern, std::u16string_view text) : textLength_(text.size()) {
+            if (!pattern)
+                return;
+            UErrorCode status = U_ZERO_ERROR;
+            utext_ = utext_openUChars(nullptr, reinterpret_cast<const UChar *>(text.data()),
+                                      int64_t(text.size()), &status);
+            matcher_.reset(pattern->matcher(status));
+            if (U_FAILURE(status)) {
+                matcher_.reset();
+                return;
+            }
+            matcher_->reset(utext_);
+            matcher_->useTransparentBounds(true);
+            matcher_->useAnchoringBounds(false);
+        }
+        ~Matcher() {
+            matcher_.reset();
+            if (utext_)
+                utext_close(utext_);
+        }
+        Matcher(const Matcher &) = delete;
+        Matcher &operator=(const Matcher &) = delete;
+
+        std::optional<std::size_t> lookingAt(std::size_t start) {
+            if (!matcher_)
+                return std::nullopt;
+            UErrorCode status = U_ZERO_ERROR;
+            matcher_->region(int64_t(start), int64_t(textLength_), status);
+            if (U_FAILURE(status) || !matcher_->lookingAt(status) || U_FAILURE(status))
+                return std::nullopt;
+            int64_t end = matcher_->end64(status);
+            if (U_FAILURE(status))
+                return std::nullopt;
+            return std::size_t(end);
+        }
+
+    private:
+        std::size_t textLength_;
+        UText *utext_ = nullptr;
+        std::unique_ptr<icu::RegexMatcher> matcher_;
+    };
+
+    const icu::RegexPattern *pattern() const { return pattern_.get(); }
+
+private:
+    std::unique_ptr<icu::RegexPattern> pattern_;
+};
+
+const AnchoredPattern &linkPattern() {
+    static const AnchoredPattern pattern(u"(?i)\\b(?:https?://|www\\.)[^\\s<>'\\\"]+", 0);
+    return pattern;
+}
+
+const AnchoredPattern &emailPattern() {
+    static const AnchoredPattern pattern(u"[A-Z0-9._%+\\-]+@[A-Z0-9.\\-]+\\.[A-Z]{2,}",
+                                         UREGEX_CASE_INSENSITIVE);
+    return pattern;
+}
+
+// [A-Z0-9._%+\-] matched without regard to case: ICU closes the set over case, which adds
+// the long s and the Kelvin sign.
+bool isEmailLocalCharacter(char32_t c) {
+    if (c < 0x80) {
+        auto unit = char16_t(c);
+        return isAsciiLetter(unit) || isAsciiDigit(unit) || unit == u'.' || unit == u'_' || unit == u'%' ||
+               unit == u'+' || unit == u'-';
+    }
+    return c == 0x017F || c == 0x212A;
+}
+
+bool startsLinkCandidate(std::u16string_view text, std::size_t i) {
+    if (i + 4 > text.size())
+        return false;
+    auto lower = [&](std::size_t k) { return char16_t(text[i + k] | 0x20); };
+    if (lower(0) == u'h')
+        return lower(1) == u't' && lower(2) == u't' && lower(3) == u'p' && text[i + 1] < 0x80 &&
+               text[i + 2] < 0x80 && text[i + 3] < 0x80;
+    return lower(0) == u'w' && lower(1) == u'w' && lower(2) == u'w' && text[i + 3] == u'.' &&
+           text[i] < 0x80 && text[i + 1] < 0x80 && text[i + 2] < 0x80;
+}
+
+// The end of the run of non-space code points that starts at i.
+std::size_t skipNonSpace(std::u16string_view text, std::size_t i) {
+    while (i < text.size()) {
+        char16_t unit = text[i];
+        if (unit < 0x80) {
+            if (unit == u' ' || (unit >= 0x09 && unit <= 0x0D))
+                break;
+            ++i;
+            continue;
+        }
+        char32_t c = codePointAt(text, i);
+        if (isRegexSpace(c))
+            break;
+        i += codeUnitCount(c);
+    }
+    return i;
+}
+
+// The end of a path match that starts at i, if one does.
+std::optional<std::size_t> pathMatchAt(std::u16string_view text, std::size_t i) {
+    static constexpr std::u16string_view topFolders[] = {
+        u"Users", u"home", u"var", u"tmp", u"private", u"Applications", u"Library", u"System", u"Volumes"};
+    auto optionalTail = [&](std::size_t end) {
+        return (end < text.size() && text[end] == u'/') ? skipNonSpace(text, end + 1) : end;
+    };
+    char16_t unit = text[i];
+    if (unit == u'/') {
+        for (auto folder : topFolders)
+            if (text.substr(i + 1, folder.size()) == folder)
+                return optionalTail(i + 1 + folder.size());
+        return std::nullopt;
+    }
+    if (unit == u'~')
+        return optionalTail(i + 1);
+    if (isAsciiLetter(unit) && i + 2 < text.size() && text[i + 1] == u':' && text[i + 2] == u'\\')
+        return skipNonSpace(text, i + 3);
+    return std::nullopt;
+}
+
+bool isTagCharacter(char32_t c) {
+    if (c < 0x80)
+        return isAsciiLetter(char16_t(c)) || isAsciiDigit(char16_t(c)) || c == u'_';
+    return (U_GET_GC_MASK(UChar32(c)) & (U_GC_L_MASK | U_GC_N_MASK)) != 0;
+}
+
+bool isCombiningForBoundary(char32_t c) {
+    return u_hasBinaryProperty(UChar32(c), UCHAR_GRAPHEME_EXTEND) || u_charType(UChar32(c)) == U_FORMAT_CHAR;
+}
+
+} // namespace
+
+bool isRegexSpace(char32_t c) {
+    if (c < 0x80)
+        return c == u' ' || (c >= 0x09 && c <= 0x0D);
+    return u_isUWhiteSpace(UChar32(c));
+}
+
+bool isRegexWordCharacter(char32_t c) {
+    if (c < 0x80)
+        return isAsciiLetter(char16_t(c)) || isAsciiDigit(char16_t(c)) || c == u'_';
+    if (c == 0x200C || c == 0x200D)
+        return true;
+    if (u_isUAlphabetic(UChar32(c)))
+        return true;
+    return (U_GET_GC_MASK(UChar32(c)) & (U_GC_M_MASK | U_GC_ND_MASK | U_GC_PC_MASK)) != 0;
+}
+
+bool isRegexWordBoundary(std::u16string_view text, std::size_t position) {
+    bool currentIsWord = false;
+    if (position < text.size()) {
+        char32_t c = codePointAt(text, position);
+        if (c >= 0x80 && isCombiningForBoundary(c))
+            return false;
+        currentIsWord = isRegexWordCharacter(c);
+    }
+    // The word-ness of the character before, looking through combining marks.
+    bool previousIsWord = false;
+    for (std::size_t i = position; i > 0;) {
+        char32_t c = codePointBefore(text, i);
+        i -= codeUnitCount(c);
+        if (c < 0x80 || !isCombiningForBoundary(c)) {
+            previousIsWord = isRegexWordCharacter(c);
+            break;
+        }
+    }
+    return currentIsWord != previousIsWord;
+}
+
+std::vector<TextRange> findLinks(std::u16string_view text) {
+    std::vector<TextRange> matches;
+    std::optional<AnchoredPattern::Matcher> matcher;
+    for (std::size_t i = 0; i + 4 <= text.size();) {
+        i = scan::findAnyOf(text, i, u'h', u'H', u'w', u'W');
+        if (i + 4 > text.size())
+            break;
+        if (!startsLinkCandidate(text, i)) {
+            ++i;
+            continue;
+        }
+        if (!matcher)
+            matcher.emplace(linkPattern().pattern(), text);
+        if (auto end = matcher->lookingAt(i)) {
+            matches.push_back({i, *end});
+            i = *end;
+        } else {
+            ++i;
+        }
+    }
+    return matches;
+}
+
+std::vector<TextRange> findEmailAddresses(std::u16string_view text) {
+    std::vector<TextRange> matches;
+    std::optional<AnchoredPattern::Matcher> matcher;
+    std::size_t searchFrom = 0;
+    for (std::size_t at = scan::findAnyOf(text, 0, u'@'); at < text.size();
+         at = scan::findAnyOf(text, at + 1, u'@')) {
+        if (at < searchFrom)
+            continue;
+        // Every match holds exactly one @, and the leftmost one starts where the run of
+        // local-part characters before it starts.
+        std::size_t start = at;
+        while (start > searchFrom) {
+            char32_t c = codePointBefore(text, start);
+            if (!isEmailLocalCharacter(c))
+                break;
+            start -= codeUnitCount(c);
+        }
+        if (start == at)
+            continue;
+        if (!matcher)
+            matcher.emplace(emailPattern().pattern(), text);
+        if (auto end = matcher->lookingAt(start)) {
+            matches.push_back({start, *end});
+            searchFrom = *end;
+        }
+    }
+    return matches;
+}
+
+std::vector<TextRange> findFilePaths(std::u16string_view text) {
+    std::vector<TextRange> matches;
+    std::size_t searchFrom = 0;
+    for (std::size_t i = 0; (i = scan::findAnyOf(text, i, u'/', u'~', u':', u'/')) < text.size(); ++i) {
+        char16_t unit = text[i];
+        std::size_t start;
+        if (unit == u'/' || unit == u'~')
+            start = i;
+        else if (unit == u':' && i > 0)
+            start = i - 1; // a drive letter
+        else
+            continue; // a colon at the very start
+        if (start < searchFrom)
+            continue;
+        if (auto end = pathMatchAt(text, start)) {
+            matches.push_back({start, *end});
+            searchFrom = *end;
+            i = *end - 1;
+        }
+    }
+    return matches;
+}
+
+std::vector<TextRange> findHashtagsAndMentions(std::u16string_view text) {
+    std::vector<TextRange> matches;
+    for (std::size_t i = 0; (i = scan::findAnyOf(text, i, u'@', u'#', u'@', u'#')) < text.size(); ++i) {
+        std::size_t end = i + 1;
+        while (end < text.size()) {
+            char32_t c = codePointAt(text, end);
+            if (!isTagCharacter(c))
+                break;
+            end += codeUnitCount(c);
+        }
+        if (end > i + 1) {
+            matches.push_back({i, end});
+            i = end - 1;
+        }
+    }
+    return matches;
+}
+
+std::vector<TextRange> findCodeSpans(std::u16string_view text) {
+    std::vector<TextRange> matches;
+    std::size_t open = scan::findAnyOf(text, 0, u'`');
+    while (open < text.size()) {
+        std::size_t close = scan::findAnyOf(text, open + 1, u'`');
+        if (close == text.size())
+            break;
+        if (close == open + 1) { // nothing between: the second backtick may open a span
+            open = close;
+            continue;
+        }
+        matches.push_back({open, close + 1});
+        open = scan::findAnyOf(text, close + 1, u'`');
+    }
+    return matches;
+}
+
+} // namespace glyphmill

@@ -1,0 +1,75 @@
+// Finds the user's protected terms as whole words, in any letter case and in any canonically
+// equivalent spelling, the way the term-splitting scan tries them: at each position the terms
+// in order of length in graphemes (longest first, list order between equals), the first one
+// that occurs exactly there with non-alphanumeric neighbours winning.
+#pragma once
+
+#include "FastScan.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace glyphmill {
+
+class TermMatcher {
+public:
+    explicit TermMatcher(const std::vector<std::u16string> &terms);
+
+    struct Match {
+        std::size_t end;
+        const std::u16string *term; // as written in the list
+    };
+    // The accepted term at position, if any.
+    std::optional<Match> matchAt(std::u16string_view text, std::size_t position) const;
+
+    // Scans the whole text and reports each accepted term as found(start, end, term).
+    template <typename Found> void forEachMatch(std::u16string_view text, Found &&found) const {
+        if (nodes_.size() <= 1)
+            return;
+        for (std::size_t p = 0; p < text.size();) {
+            if (mayStartAt(text, p)) {
+                if (auto match = matchAt(text, p)) {
+                    found(p, match->end, *match->term);
+                    p = match->end;
+                    continue;
+                }
+            }
+            // After an ASCII letter or digit no term can start: jump past the run of them.
+            p = scan::findNonAsciiAlphanumeric(text, p) + 1;
+        }
+    }
+
+private:
+    static bool isAsciiAlphanumeric(char16_t unit) {
+        return ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z') || (unit >= u'0' && unit <= u'9');
+    }
+    // A cheap test that rules out most positions inside words and before unlikely letters.
+    bool mayStartAt(std::u16string_view text, std::size_t p) const {
+        if (p > 0 && text[p - 1] < 0x80 && isAsciiAlphanumeric(text[p - 1]))
+            return false;
+        char16_t unit = text[p];
+        if (unit >= 0x80)
+            return true;
+        return rootAscii_[unit >= u'A' && unit <= u'Z' ? unit + 0x20 : unit] >= 0;
+    }
+
+    struct Node {
+        int bestOrder = -1; // lowest order index of the terms whose caseless form ends here
+        std::vector<std::pair<char16_t, int>> children;
+    };
+    int child(int node, char16_t unit) const;
+    int addChild(int node, char16_t unit);
+    // Caseless units of the normalization chunk at position, and the chunk's end.
+    std::size_t caselessChunk(std::u16string_view text, std::size_t position, std::u16string &units) const;
+
+    std::vector<const std::u16string *> ordered_;
+    std::vector<Node> nodes_;
+    int rootAscii_[128];
+    mutable std::unordered_map<char32_t, std::u16string> caselessMemo_;
+};
+
+} // namespace glyphmill

@@ -1,0 +1,333 @@
+#include "platform/JsonFilePreferenceStore.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace glyphmill {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+using Strings = std::vector<std::u16string>;
+
+std::string readFile(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+void writeFile(const std::string &path, std::string_view bytes) {
+    fs::create_directories(fs::path(path).parent_path());
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::vector<std::string> namesIn(const std::string &directory) {
+    std::vector<std::string> names;
+    for (const auto &entry : fs::directory_iterator(directory))
+        names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+unsigned modeOf(const std::string &path) {
+    struct stat info {};
+    return ::stat(path.c_str(), &info) == 0 ? info.st_mode & 07777 : 0;
+}
+
+class JsonFilePreferenceStoreTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = fs::temp_directory_path() / "glyphmill-prefs-XXXXXX";
+        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+        root_ = pattern;
+        directory_ = root_ + "/config/glyphmill";
+        path_ = directory_ + "/preferences.json";
+    }
+    void TearDown() override {
+        if (fs::exists(directory_))
+            fs::permissions(directory_, fs::perms::owner_all, fs::perm_options::add);
+        fs::remove_all(root_);
+    }
+
+    std::string root_, directory_, path_;
+};
+
+TEST_F(JsonFilePreferenceStoreTest, EveryTypeRoundTripsAndStaysDistinct) {
+    PreferenceData allBytes;
+    for (int byte = 0; byte < 256; ++byte)
+        allBytes.push_back(std::uint8_t(byte));
+    // Pairs that a careless encoding would confuse: "true" and true, a string and a one-string
+    // list, base64 text and data; and data of every length modulo three.
+    const std::vector<std::pair<std::string, PreferenceValue>> values = {
+        {"bool.true", true},
+        {"bool.false", false},
+        {"string.true", u"true"},
+        {"string.empty", u""},
+        {"string.hard", u"Stra\u00dfe \"q\" \\ \n\t\u0001 \U0001F389"},
+        {"string.base64", u"Zm9v"},
+        {"strings.empty", Strings{}},
+        {"strings.one", Strings{u"true"}},
+        {"strings.many", Strings{u"", u"\u00e9", u"\U0001D49C"}},
+        {"data.empty", PreferenceData{}},
+        {"data.one", PreferenceData{0}},
+        {"data.two", PreferenceData{0xFF, 0xFE}},
+        {"data.text", PreferenceData{'Z', 'm', '9', 'v'}},
+        {"data.all", allBytes},
+    };
+    JsonFilePreferenceStore writer(path_);
+    for (const auto &[key, value] : values)
+        ASSERT_TRUE(writer.setValue(key, value)) << key;
+
+    JsonFilePreferenceStore reader(path_);
+    for (const auto &[key, value] : values) {
+        EXPECT_EQ(writer.value(key), value) << key;
+        EXPECT_EQ(reader.value(key), value) << key;
+    }
+    EXPECT_EQ(reader.keys().size(), values.size());
+    EXPECT_FALSE(reader.value("absent"));
+}
+
+TEST_F(JsonFilePreferenceStoreTest, FileIsSortedPrettyPrintedJson) {
+    JsonFilePreferenceStore store(path_);
+    store.setValue("zeta", true);
+    store.setValue("list", Strings{u"a", u"b"});
+    store.setValue("blob", PreferenceData{'f', 'o', 'o', 'b', 'a', 'r'});
+    store.setValue("name", u"caf\u00e9");
+    store.setValue("gone", false);
+    store.removeValue("gone");
+    EXPECT_EQ(readFile(path_), "{\n"
+                               "    \"blob\": {\n"
+                               "        \"data\": \"Zm9vYmFy\"\n"
+                               "    },\n"
+                               "    \"list\": [\n"
+                               "        \"a\",\n"
+                               "        \"b\"\n"
+                               "    ],\n"
+                               "    \"name\": \"caf\xc3\xa9\",\n"
+                               "    \"zeta\": true\n"
+                               "}\n");
+}
+
+TEST_F(JsonFilePreferenceStoreTest, ReadsForeignFilesAndKeepsUnknownShapes) {
+    const Json unknown = Json::parse(R"({
+        "number": 12.5, "nothing": null, "mixed": ["x", 1], "nested": {"a": {"b": [1, 2]}},
+        "data.badLength": {"data": "Zg="}, "data.badDigit": {"data": "Zm9!"},
+        "data.padInside": {"data": "Zg==Zg=="}, "data.allPadding": {"data": "===="},
+        "data.extraKey": {"data": "", "more": 1}, "data.notString": {"data": 1}})");
+    std::string file = unknown.dump();
+    file.pop_back(); // reopen the object to add the known shapes
+    file += R"(, "escaped": "caf\u00e9", "badUtf8": "a)"
+            "\xff"
+            R"(b", "bytes1": {"data": "Zg=="}, "bytes2": {"data": "Zm8="}, "bytes4": {"data": "Zm9vYg=="}})";
+    writeFile(path_, file);
+
+    JsonFilePreferenceStore store(path_);
+    EXPECT_FALSE(store.setAsidePath());
+    EXPECT_EQ(store.stringValue("escaped"), u"caf\u00e9");
+    EXPECT_EQ(store.stringValue("badUtf8"), u"a\uFFFDb");
+    EXPECT_EQ(store.dataValue("bytes1"), (PreferenceData{'f'}));
+    EXPECT_EQ(store.dataValue("bytes2"), (PreferenceData{'f', 'o'}));
+    EXPECT_EQ(store.dataValue("bytes4"), (PreferenceData{'f', 'o', 'o', 'b'}));
+    for (const auto &[key, value] : unknown.items())
+        EXPECT_FALSE(store.value(key)) << key;
+    EXPECT_EQ(store.keys().size(), unknown.size() + 5);
+
+    ASSERT_TRUE(store.setValue("added", true));
+    const Json rewritten = Json::parse(readFile(path_));
+    for (const auto &[key, value] : unknown.items())
+        EXPECT_EQ(rewritten.at(key), value) << key;
+    EXPECT_EQ(rewritten.at("badUtf8"), "a\xef\xbf\xbd"
+                                       "b");
+}
+
+TEST_F(JsonFilePreferenceStoreTest, OpeningWritesNothingAndEmptyFileIsEmptyStore) {
+    JsonFilePreferenceStore missing(path_);
+    EXPECT_TRUE(missing.keys().empty());
+    EXPECT_FALSE(fs::exists(root_ + "/config"));
+
+    writeFile(path_, " \n");
+    JsonFilePreferenceStore empty(path_);
+    EXPECT_TRUE(empty.keys().empty());
+    EXPECT_FALSE(empty.setAsidePath());
+    EXPECT_EQ(namesIn(directory_), std::vector<std::string>{"preferences.json"});
+}
+
+TEST_F(JsonFilePreferenceStoreTest, FilesArePrivateWhateverTheUmaskAndNoTemporaryIsLeft) {
+    const mode_t savedUmask = ::umask(0);
+    JsonFilePreferenceStore store(path_);
+    EXPECT_TRUE(store.setValue("key", true));
+    ::umask(savedUmask);
+    EXPECT_EQ(modeOf(root_ + "/config"), 0700u);
+    EXPECT_EQ(modeOf(directory_), 0700u);
+    EXPECT_EQ(modeOf(path_), 0600u);
+    EXPECT_EQ(namesIn(directory_), (std::vector<std::string>{"preferences.json", "preferences.json.lock"}));
+
+    ::chmod(path_.c_str(), 0644);
+    EXPECT_TRUE(store.setValue("key", false));
+    EXPECT_EQ(modeOf(path_), 0600u);
+}
+
+TEST_F(JsonFilePreferenceStoreTest, UnreadableFileIsSetAsideWithItsBytesIntact) {
+    const std::vector<std::string> corrupt = {
+        "{",
+        "[]",
+        "\"text\"",
+        "null",
+        "{\"a\":1,}",
+        "{\"a\":1e999}",
+        "{\"a\":\"\\ud800\"}",
+        "{\"a\":" + std::string(150, '[') + std::string(150, ']') + "}",
+    };
+    for (const auto &bytes : corrupt) {
+        writeFile(path_, bytes);
+        JsonFilePreferenceStore store(path_);
+        EXPECT_EQ(store.setAsidePath(), path_ + ".corrupt") << bytes;
+        EXPECT_EQ(readFile(path_ + ".corrupt"), bytes);
+        EXPECT_TRUE(store.keys().empty());
+        EXPECT_FALSE(fs::exists(path_));
+        EXPECT_TRUE(store.setValue("after", true));
+        EXPECT_EQ(JsonFilePreferenceStore(path_).boolValue("after"), true);
+        fs::remove(path_ + ".corrupt");
+    }
+}
+
+TEST_F(JsonFilePreferenceStoreTest, LaterCorruptFilesNeverReplaceEarlierOnes) {
+    writeFile(path_, "first");
+    JsonFilePreferenceStore store(path_);
+    EXPECT_TRUE(store.setValue("mine", true));
+
+    // Another program spoils the file while the store is open: the next write finds it.
+    writeFile(path_, "second");
+    EXPECT_TRUE(store.setValue("other", true));
+    EXPECT_EQ(store.setAsidePath(), path_ + ".corrupt-2");
+    writeFile(path_, "third");
+    EXPECT_TRUE(store.removeValue("other"));
+    EXPECT_EQ(store.setAsidePath(), path_ + ".corrupt-3");
+
+    EXPECT_EQ(readFile(path_ + ".corrupt"), "first");
+    EXPECT_EQ(readFile(path_ + ".corrupt-2"), "second");
+    EXPECT_EQ(readFile(path_ + ".corrupt-3"), "third");
+    EXPECT_TRUE(store.keys().empty()); // the store goes on from what the file now holds: nothing
+}
+
+TEST_F(JsonFilePreferenceStoreTest, WritesMergeWithWhatOthersWrote) {
+    JsonFilePreferenceStore tray(path_);
+    JsonFilePreferenceStore commandLine(path_);
+    EXPECT_TRUE(tray.setValue("tray", true));
+    EXPECT_TRUE(commandLine.setValue("commandLine", true));
+    EXPECT_EQ(commandLine.boolValue("tray"), true); // refreshed by its own write
+    EXPECT_FALSE(tray.value("commandLine"));        // not yet: reads come from memory
+    EXPECT_TRUE(tray.removeValue("tray"));
+    EXPECT_EQ(JsonFilePreferenceStore(path_).keys(), std::vector<std::string>{"commandLine"});
+}
+
+TEST_F(JsonFilePreferenceStoreTest, ConcurrentProcessesLoseNoKeyAndFileAlwaysParses) {
+    constexpr int writesPerProcess = 150;
+    pid_t children[2];
+    for (int process = 0; process < 2; ++process) {
+        children[process] = ::fork();
+        ASSERT_GE(children[process], 0);
+        if (children[process] == 0) {
+            JsonFilePreferenceStore store(path_);
+            bool ok = true;
+            for (int i = 0; i < writesPerProcess; ++i)
+                ok = store.setValue("p" + std::to_string(process) + "." + std::to_string(i), u"v") && ok;
+            ::_exit(ok ? 0 : 1);
+        }
+    }
+    // Every child is waited for, even after a failure, so none outlives the test's directory.
+    int finished = 0, reads = 0, unparsable = 0;
+    while (finished < 2) {
+        if (std::string bytes = readFile(path_); !bytes.empty()) {
+            ++reads;
+            unparsable += Json::parse(bytes, nullptr, false).is_object() ? 0 : 1;
+        }
+        for (pid_t &child : children) {
+            int status = 0;
+            if (child > 0 && ::waitpid(child, &status, WNOHANG) == child) {
+                EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+                child = 0;
+                ++finished;
+            }
+        }
+    }
+    EXPECT_EQ(unparsable, 0);
+    EXPECT_GT(reads, 0);
+    JsonFilePreferenceStore result(path_);
+    EXPECT_EQ(result.keys().size(), 2u * writesPerProcess);
+    EXPECT_FALSE(fs::exists(path_ + ".corrupt"));
+}
+
+TEST_F(JsonFilePreferenceStoreTest, WriteCutShortKeepsTheOldFile) {
+    JsonFilePreferenceStore store(path_);
+    ASSERT_TRUE(store.setValue("kept", u"old"));
+    const std::string before = readFile(path_);
+
+    // The size limit makes the temporary file's write fail half-way.
+    rlimit saved{};
+    ::getrlimit(RLIMIT_FSIZE, &saved);
+    rlimit limited = saved;
+    limited.rlim_cur = before.size() + 16;
+    auto savedHandler = std::signal(SIGXFSZ, SIG_IGN);
+    ::setrlimit(RLIMIT_FSIZE, &limited);
+    const bool written = store.setValue("large", std::u16string(4096, u'x'));
+    ::setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, savedHandler);
+
+    EXPECT_FALSE(written);
+    EXPECT_EQ(readFile(path_), before);
+    EXPECT_FALSE(store.value("large"));
+    EXPECT_EQ(store.stringValue("kept"), u"old");
+    EXPECT_EQ(namesIn(directory_), (std::vector<std::string>{"preferences.json", "preferences.json.lock"}));
+}
+
+TEST_F(JsonFilePreferenceStoreTest, PathThatIsNotAFileFailsWritesAndIsLeftAlone) {
+    fs::create_directories(path_ + "/inside");
+    JsonFilePreferenceStore store(path_);
+    EXPECT_FALSE(store.setValue("key", true));
+    EXPECT_FALSE(store.setAsidePath());
+    EXPECT_TRUE(fs::is_directory(path_ + "/inside"));
+}
+
+TEST_F(JsonFilePreferenceStoreTest, ReadOnlyDirectoryFailsWritesAndKeepsTheFile) {
+    JsonFilePreferenceStore store(path_);
+    ASSERT_TRUE(store.setValue("kept", true));
+    const std::string before = readFile(path_);
+    ::chmod(directory_.c_str(), 0500);
+    if (::access(directory_.c_str(), W_OK) == 0)
+        GTEST_SKIP() << "permission bits do not bind this user (root)";
+    EXPECT_FALSE(store.setValue("kept", false));
+    EXPECT_EQ(store.boolValue("kept"), true);
+    EXPECT_EQ(readFile(path_), before);
+}
+
+TEST(JsonFilePreferenceStorePath, FollowsXdgConfigHome) {
+    const char *saved = std::getenv("XDG_CONFIG_HOME");
+    const std::optional<std::string> savedXdg = saved ? std::optional<std::string>(saved) : std::nullopt;
+    const std::string savedHome = std::getenv("HOME") ? std::getenv("HOME") : "";
+    ::setenv("HOME", "/home/someone", 1);
+    const std::string fromHome = "/home/someone/.config/glyphmill/preferences.json";
+    // A relative XDG_CONFIG_HOME is ignored, as the XDG rules say.
+    for (const char *xdg : {"/xdg/config", "", "relative/config", static_cast<const char *>(nullptr)}) {
+        xdg ? ::setenv("XDG_CONFIG_HOME", xdg, 1) : ::unsetenv("XDG_CONFIG_HOME");
+        const std::string expected = xdg && *xdg == '/' ? "/xdg/config/glyphmill/preferences.json" : fromHome;
+        EXPECT_EQ(JsonFilePreferenceStore::defaultPath(), expected) << (xdg ? xdg : "(unset)");
+    }
+    ::setenv("HOME", savedHome.c_str(), 1);
+    savedXdg ? ::setenv("XDG_CONFIG_HOME", savedXdg->c_str(), 1) : ::unsetenv("XDG_CONFIG_HOME");
+}
+
+} // namespace
+} // namespace glyphmill
