@@ -1,5 +1,7 @@
 #include "ProtectedSpans.h"
 
+#include "FastScan.h"
+#include "LineChunks.h"
 #include "SpanDetectors.h"
 #include "TermMatcher.h"
 #include "TextModel.h"
@@ -191,35 +193,64 @@ std::u16string maskProtectedTerms(std::u16string_view text, const std::vector<st
     return masked;
 }
 
+namespace {
+
+struct OnePassRestore {
+    std::size_t starts = 0;   // U+E000 characters met
+    std::size_t replaced = 0; // keys replaced
+    std::size_t ends = 0;     // U+E001 characters in the text
+};
+
+// Replaces each key where it stands, stopping at the first U+E000 that does not begin a key of
+// the map (the caller then knows the pass cannot stand for key-by-key replacement).
+OnePassRestore restoreOnePass(std::u16string_view text, const PlaceholderMap &placeholders,
+                              std::u16string &out) {
+    OnePassRestore pass;
+    out.reserve(text.size() + text.size() / 2);
+    std::size_t copied = 0;
+    for (std::size_t at = scan::findAnyOf(text, 0, text::placeholderStart); at < text.size();
+         at = scan::findAnyOf(text, at + 1, text::placeholderStart)) {
+        ++pass.starts;
+        auto key = placeholderAt(text, at);
+        const std::u16string *value = key ? placeholders.find(key->first) : nullptr;
+        if (!value)
+            return pass;
+        out.append(text.substr(copied, at - copied));
+        out.append(*value);
+        copied = at + key->second;
+        at = copied - 1;
+        ++pass.replaced;
+    }
+    pass.ends = std::size_t(std::count(text.begin(), text.end(), text::placeholderEnd));
+    out.append(text.substr(copied));
+    return pass;
+}
+
+} // namespace
+
 std::u16string restorePlaceholders(std::u16string_view text, const PlaceholderMap &placeholders) {
     if (placeholders.empty())
         return std::u16string(text);
     // When every placeholder character of the text belongs to a key of the map and no
     // remembered text holds one, keys cannot overlap or arise from a replacement: one pass
     // that replaces each key where it stands gives the text that replacing key by key gives.
-    std::u16string result;
-    result.reserve(text.size() + text.size() / 2);
-    std::size_t copied = 0;
-    std::size_t replaced = 0;
-    std::size_t starts = 0;
-    for (std::size_t at = text.find(text::placeholderStart); at != std::u16string_view::npos;
-         at = text.find(text::placeholderStart, at + 1)) {
-        ++starts;
-        auto key = placeholderAt(text, at);
-        const std::u16string *value = key ? placeholders.find(key->first) : nullptr;
-        if (!value)
-            break;
-        result.append(text.substr(copied, at - copied));
-        result.append(*value);
-        copied = at + key->second;
-        at = copied - 1;
-        ++replaced;
-    }
-    if (placeholders.hasPlaceholderCharacters() || starts != replaced ||
-        std::size_t(std::count(text.begin(), text.end(), text::placeholderEnd)) != replaced)
+    // Keys hold no line feed, so long texts are restored line chunk by line chunk.
+    auto chunks = lineChunks(text);
+    std::vector<std::u16string> restored(chunks.size());
+    std::vector<OnePassRestore> passes(chunks.size());
+    runInParallel(chunks.size(),
+                  [&](std::size_t i) { passes[i] = restoreOnePass(chunks[i], placeholders, restored[i]); });
+    bool faithful = !placeholders.hasPlaceholderCharacters();
+    for (const auto &pass : passes)
+        faithful = faithful && pass.starts == pass.replaced && pass.ends == pass.replaced;
+    if (!faithful)
         return restoreKeyByKey(text, placeholders);
-    result.append(text.substr(copied));
-    return result;
+    if (restored.size() == 1)
+        return std::move(restored[0]);
+    std::u16string out;
+    for (const auto &part : restored)
+        out.append(part);
+    return out;
 }
 
 } // namespace glyphmill

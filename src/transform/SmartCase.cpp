@@ -1,5 +1,6 @@
 #include "CaseRules.h"
 
+#include "LineChunks.h"
 #include "ProtectedSpans.h"
 #include "SpanDetectors.h"
 #include "TextModel.h"
@@ -89,10 +90,15 @@ std::vector<TextRange> findShoutedRuns(std::u16string_view text) {
     return findBoundedRuns(text, isUppercaseLetter, 2);
 }
 
-bool isMostlyUppercase(std::u16string_view text) {
-    GraphemeCursor cursor(text);
+struct LetterCounts {
     std::size_t alphabetic = 0;
     std::size_t uppercase = 0;
+};
+
+LetterCounts countLetters(std::u16string_view text) {
+    GraphemeCursor cursor(text);
+    LetterCounts counts;
+    auto &[alphabetic, uppercase] = counts;
     for (std::size_t i = 0; i < text.size();) {
         std::size_t end = cursor.next(i);
         auto g = text.substr(i, end - i);
@@ -103,9 +109,21 @@ bool isMostlyUppercase(std::u16string_view text) {
         }
         i = end;
     }
-    if (alphabetic < minimumAlphabeticForAllCaps)
+    return counts;
+}
+
+bool isMostlyUppercase(std::u16string_view text) {
+    auto chunks = lineChunks(text);
+    std::vector<LetterCounts> counts(chunks.size());
+    runInParallel(chunks.size(), [&](std::size_t i) { counts[i] = countLetters(chunks[i]); });
+    LetterCounts total;
+    for (const auto &part : counts) {
+        total.alphabetic += part.alphabetic;
+        total.uppercase += part.uppercase;
+    }
+    if (total.alphabetic < minimumAlphabeticForAllCaps)
         return false;
-    return double(uppercase) / double(alphabetic) >= allCapsShare;
+    return double(total.uppercase) / double(total.alphabetic) >= allCapsShare;
 }
 
 // Rebuilds text with each range replaced by what replace(range text) gives; a none keeps it.
@@ -292,13 +310,25 @@ std::u16string smartCaseText(std::u16string_view text, const std::vector<std::u1
     std::u16string working = std::move(masked.text);
     if (options.preserveProtectedTerms)
         working = maskProtectedTerms(working, terms, masked.placeholders);
-    if (options.correctAllUppercaseProse) {
-        if (isMostlyUppercase(working))
-            working = lowercaseMinorWords(capitalizeAllCapsWords(working));
-        else
-            working = lowercaseShoutedRuns(working);
-    }
-    return restorePlaceholders(sentenceCase(working), masked.placeholders);
+    // From here every step starts afresh at each line feed, so long texts go line chunk by
+    // line chunk; only the all-caps test looks at the whole.
+    enum class Correction { none, allCaps, shoutedRuns } correction = Correction::none;
+    if (options.correctAllUppercaseProse)
+        correction = isMostlyUppercase(working) ? Correction::allCaps : Correction::shoutedRuns;
+    std::u16string cased = transformLineChunks(working, [&](std::u16string_view chunk, std::u16string &out) {
+        switch (correction) {
+        case Correction::allCaps:
+            out = sentenceCase(lowercaseMinorWords(capitalizeAllCapsWords(chunk)));
+            break;
+        case Correction::shoutedRuns:
+            out = sentenceCase(lowercaseShoutedRuns(chunk));
+            break;
+        case Correction::none:
+            out = sentenceCase(chunk);
+            break;
+        }
+    });
+    return restorePlaceholders(cased, masked.placeholders);
 }
 
 bool looksAllCaps(std::u16string_view text) {

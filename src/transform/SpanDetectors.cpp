@@ -110,15 +110,33 @@ bool isEmailLocalCharacter(char32_t c) {
     return c == 0x017F || c == 0x212A;
 }
 
-bool startsLinkCandidate(std::u16string_view text, std::size_t i) {
-    if (i + 4 > text.size())
+bool equalsIgnoringAsciiCase(std::u16string_view text, std::size_t start, std::u16string_view lower) {
+    if (start + lower.size() > text.size())
         return false;
-    auto lower = [&](std::size_t k) { return char16_t(text[i + k] | 0x20); };
-    if (lower(0) == u'h')
-        return lower(1) == u't' && lower(2) == u't' && lower(3) == u'p' && text[i + 1] < 0x80 &&
-               text[i + 2] < 0x80 && text[i + 3] < 0x80;
-    return lower(0) == u'w' && lower(1) == u'w' && lower(2) == u'w' && text[i + 3] == u'.' &&
-           text[i] < 0x80 && text[i + 1] < 0x80 && text[i + 2] < 0x80;
+    for (std::size_t k = 0; k < lower.size(); ++k) {
+        char16_t unit = text[start + k];
+        if (unit >= 0x80 || char16_t(unit | 0x20) != lower[k])
+            return false;
+    }
+    return true;
+}
+
+// A link starts with "http://", "https://" or "www." in any letter case (the s may also be
+// the long s, which folds to s). Every link therefore holds "://" or "www." near its start:
+// given the colon or the full stop, this is where the link would start.
+std::optional<std::size_t> linkStartBefore(std::u16string_view text, std::size_t anchor) {
+    if (text[anchor] == u'.')
+        return anchor >= 3 && equalsIgnoringAsciiCase(text, anchor - 3, u"www") ? std::optional(anchor - 3)
+                                                                                : std::nullopt;
+    if (anchor + 2 >= text.size() || text[anchor + 1] != u'/' || text[anchor + 2] != u'/' || anchor < 4)
+        return std::nullopt;
+    if (equalsIgnoringAsciiCase(text, anchor - 4, u"http"))
+        return anchor - 4;
+    char16_t s = text[anchor - 1];
+    if (anchor >= 5 && (s == u's' || s == u'S' || s == 0x017F) &&
+        equalsIgnoringAsciiCase(text, anchor - 5, u"http"))
+        return anchor - 5;
+    return std::nullopt;
 }
 
 // The end of the run of non-space code points that starts at i.
@@ -212,21 +230,18 @@ bool isRegexWordBoundary(std::u16string_view text, std::size_t position) {
 std::vector<TextRange> findLinks(std::u16string_view text) {
     std::vector<TextRange> matches;
     std::optional<AnchoredPattern::Matcher> matcher;
-    for (std::size_t i = 0; i + 4 <= text.size();) {
-        i = scan::findAnyOf(text, i, u'h', u'H', u'w', u'W');
-        if (i + 4 > text.size())
-            break;
-        if (!startsLinkCandidate(text, i)) {
-            ++i;
+    std::size_t searchFrom = 0;
+    for (std::size_t anchor = 0;
+         (anchor = scan::findAnyOf(text, anchor, u':', u'.', u':', u'.')) < text.size(); ++anchor) {
+        auto start = linkStartBefore(text, anchor);
+        if (!start || *start < searchFrom)
             continue;
-        }
         if (!matcher)
             matcher.emplace(linkPattern().pattern(), text);
-        if (auto end = matcher->lookingAt(i)) {
-            matches.push_back({i, *end});
-            i = *end;
-        } else {
-            ++i;
+        if (auto end = matcher->lookingAt(*start)) {
+            matches.push_back({*start, *end});
+            searchFrom = *end;
+            anchor = *end - 1;
         }
     }
     return matches;

@@ -1,0 +1,92 @@
+#include "LineChunks.h"
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+namespace glyphmill {
+namespace {
+
+constexpr std::size_t defaultThreshold = 256 * 1024;
+constexpr std::size_t maximumChunks = 8;
+std::atomic<std::size_t> thresholdOverride{0};
+
+std::size_t workerCount() {
+    static const std::size_t count =
+        std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, maximumChunks);
+    return count;
+}
+
+} // namespace
+
+std::size_t parallelThreshold() {
+    std::size_t overridden = thresholdOverride.load(std::memory_order_relaxed);
+    return overridden ? overridden : defaultThreshold;
+}
+
+void setParallelThresholdForTesting(std::size_t threshold) {
+    thresholdOverride.store(threshold, std::memory_order_relaxed);
+}
+
+std::vector<std::u16string_view> lineChunks(std::u16string_view text) {
+    std::size_t threshold = parallelThreshold();
+    std::size_t testing = thresholdOverride.load(std::memory_order_relaxed);
+    std::size_t pieces = testing ? maximumChunks : workerCount();
+    if (text.size() < threshold || pieces < 2)
+        return {text};
+    std::vector<std::u16string_view> chunks;
+    std::size_t start = 0;
+    for (std::size_t k = 1; k < pieces && start < text.size(); ++k) {
+        std::size_t target = std::max(start, text.size() * k / pieces);
+        std::size_t cut = text.find(u'\n', target);
+        while (cut != std::u16string_view::npos && cut > 0 && text[cut - 1] == u'\r')
+            cut = text.find(u'\n', cut + 1);
+        if (cut == std::u16string_view::npos)
+            break;
+        chunks.push_back(text.substr(start, cut + 1 - start));
+        start = cut + 1;
+    }
+    if (start < text.size() || chunks.empty())
+        chunks.push_back(text.substr(start));
+    return chunks;
+}
+
+bool termsStayWithinLines(const std::vector<std::u16string> &terms) {
+    return std::none_of(terms.begin(), terms.end(),
+                        [](const std::u16string &term) { return term.find(u'\n') != std::u16string::npos; });
+}
+
+void runInParallel(std::size_t count, const std::function<void(std::size_t)> &work) {
+    if (count == 0)
+        return;
+    std::vector<std::thread> threads;
+    threads.reserve(count - 1);
+    for (std::size_t i = 1; i < count; ++i)
+        threads.emplace_back(work, i);
+    work(0);
+    for (auto &thread : threads)
+        thread.join();
+}
+
+std::u16string
+transformLineChunks(std::u16string_view text,
+                    const std::function<void(std::u16string_view, std::u16string &)> &transform) {
+    auto chunks = lineChunks(text);
+    if (chunks.size() == 1) {
+        std::u16string out;
+        transform(text, out);
+        return out;
+    }
+    std::vector<std::u16string> results(chunks.size());
+    runInParallel(chunks.size(), [&](std::size_t i) { transform(chunks[i], results[i]); });
+    std::size_t total = 0;
+    for (const auto &result : results)
+        total += result.size();
+    std::u16string out;
+    out.reserve(total);
+    for (const auto &result : results)
+        out.append(result);
+    return out;
+}
+
+} // namespace glyphmill
