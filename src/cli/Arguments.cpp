@@ -1,0 +1,284 @@
+#include "cli/Arguments.h"
+
+#include "cli/Failure.h"
+#include "cli/ProtectionSwitches.h"
+#include "transform/Utf8.h"
+
+#include <array>
+#include <string_view>
+
+namespace glyphmill::cli {
+namespace {
+
+struct KindName {
+    std::string_view name;
+    TextTransformKind kind;
+};
+
+constexpr std::array<KindName, 5> kindNames = {{
+    {"smart-case", TextTransformKind::smartCase},
+    {"title-case", TextTransformKind::titleCase},
+    {"uppercase", TextTransformKind::uppercase},
+    {"lowercase", TextTransformKind::lowercase},
+    {"capitalize-words", TextTransformKind::capitalizeWords},
+}};
+
+struct TermsActionName {
+    std::string_view name;
+    TermsAction action;
+    HelpTopic help;
+};
+
+constexpr std::array<TermsActionName, 4> termsActionNames = {{
+    {"list", TermsAction::list, HelpTopic::termsList},
+    {"add", TermsAction::add, HelpTopic::termsAdd},
+    {"remove", TermsAction::remove, HelpTopic::termsRemove},
+    {"restore-defaults", TermsAction::restoreDefaults, HelpTopic::termsRestoreDefaults},
+}};
+
+// Walks one level's arguments: options until "--", positionals anywhere. Mistakes are kept, not
+// thrown at once, so that a --help later on the line still shows the help.
+class Scanner {
+public:
+    explicit Scanner(std::span<const char *const> arguments) : arguments_(arguments) {}
+
+    struct Token {
+        bool isOption;
+        std::string_view text;                       // the option's name with its dashes, or the positional
+        std::optional<std::string_view> inlineValue; // after "=" in "--name=value"
+    };
+
+    std::optional<Token> next() {
+        while (index_ < arguments_.size()) {
+            std::string_view argument = arguments_[index_++];
+            if (optionsEnded_ || argument == "-" || !argument.starts_with('-'))
+                return Token{false, argument, std::nullopt};
+            if (argument == "--") {
+                optionsEnded_ = true;
+                continue;
+            }
+            auto equals = argument.find('=');
+            if (argument.starts_with("--") && equals != std::string_view::npos)
+                return Token{true, argument.substr(0, equals), argument.substr(equals + 1)};
+            return Token{true, argument, std::nullopt};
+        }
+        return std::nullopt;
+    }
+
+    // The option's value: inline after "=", or the next argument whatever it looks like.
+    std::optional<std::string_view> value(const Token &option) {
+        if (option.inlineValue)
+            return option.inlineValue;
+        if (index_ < arguments_.size())
+            return std::string_view(arguments_[index_++]);
+        noteMistake("option " + std::string(option.text) + " needs a value");
+        return std::nullopt;
+    }
+
+    // Help, version or a mistake for an option every level shares; false if the option is another.
+    bool takeCommonOption(const Token &option) {
+        if (option.text == "--help" || option.text == "-h")
+            wantsHelp = true;
+        else if (option.text == "--version")
+            wantsVersion = true;
+        else
+            return false;
+        if (option.inlineValue)
+            noteMistake("option " + std::string(option.text) + " takes no value");
+        return true;
+    }
+
+    void noteUnknownOption(const Token &option) {
+        noteMistake("unknown option " + quoted(option.text) + " (see --help)");
+    }
+
+    void noteMistake(std::string message) {
+        if (!mistake)
+            mistake = std::move(message);
+    }
+
+    bool wantsHelp = false;
+    bool wantsVersion = false;
+    std::optional<std::string> mistake;
+
+private:
+    std::span<const char *const> arguments_;
+    std::size_t index_ = 0;
+    bool optionsEnded_ = false;
+};
+
+std::optional<TextTransformKind> kindNamed(std::string_view name) {
+    for (const auto &entry : kindNames)
+        if (entry.name == name)
+            return entry.kind;
+    return textTransformKindFromTitle(utf8::decodeLossy(name));
+}
+
+std::optional<bool> booleanNamed(std::string_view text) {
+    if (text == "true")
+        return true;
+    if (text == "false")
+        return false;
+    return std::nullopt;
+}
+
+void takeOptionOverride(Scanner &scanner, std::string_view setting, TransformRequest &request) {
+    auto equals = setting.find('=');
+    if (equals == std::string_view::npos) {
+        scanner.noteMistake("--option needs NAME=true or NAME=false, not " + quoted(setting));
+        return;
+    }
+    std::string_view name = setting.substr(0, equals);
+    std::string_view valueText = setting.substr(equals + 1);
+    const ProtectionSwitch *found = nullptr;
+    for (const auto &candidate : protectionSwitches)
+        if (candidate.name == name)
+            found = &candidate;
+    if (!found) {
+        scanner.noteMistake("unknown switch " + quoted(name) +
+                            " for --option (see glyphmill transform --help)");
+        return;
+    }
+    auto value = booleanNamed(valueText);
+    if (!value) {
+        scanner.noteMistake("--option " + std::string(name) + " must be true or false, not " +
+                            quoted(valueText));
+        return;
+    }
+    request.optionOverrides.push_back({found->field, *value});
+}
+
+void chooseTerms(Scanner &scanner, TransformRequest &request, TermsSource source, bool &chosen) {
+    if (chosen && request.termsSource != source)
+        scanner.noteMistake("--term, --no-terms and --default-terms cannot be combined");
+    request.termsSource = source;
+    chosen = true;
+}
+
+Invocation parseTransform(std::span<const char *const> arguments) {
+    Scanner scanner(arguments);
+    TransformRequest request;
+    std::vector<std::string_view> positionals;
+    bool termsChosen = false;
+    while (auto token = scanner.next()) {
+        if (!token->isOption) {
+            positionals.push_back(token->text);
+            continue;
+        }
+        if (scanner.takeCommonOption(*token))
+            continue;
+        const std::string_view name = token->text;
+        const bool takesValue = name == "--text" || name == "--term" || name == "--option";
+        const bool isFlag = name == "--no-terms" || name == "--default-terms" || name == "--defaults";
+        if (!takesValue && !isFlag) {
+            scanner.noteUnknownOption(*token);
+            continue;
+        }
+        if (isFlag && token->inlineValue)
+            scanner.noteMistake("option " + std::string(name) + " takes no value");
+        if (name == "--no-terms") {
+            chooseTerms(scanner, request, TermsSource::none, termsChosen);
+        } else if (name == "--default-terms") {
+            chooseTerms(scanner, request, TermsSource::builtIn, termsChosen);
+        } else if (name == "--defaults") {
+            request.ignorePreferences = true;
+        } else if (auto value = scanner.value(*token)) {
+            if (name == "--text") {
+                if (request.text)
+                    scanner.noteMistake("--text given more than once");
+                request.text = std::string(*value);
+            } else if (name == "--term") {
+                chooseTerms(scanner, request, TermsSource::given, termsChosen);
+                request.givenTerms.emplace_back(*value);
+            } else {
+                takeOptionOverride(scanner, *value, request);
+            }
+        }
+    }
+    if (scanner.wantsHelp)
+        return ShowHelp{HelpTopic::transform};
+    if (scanner.wantsVersion)
+        return ShowVersion{};
+    if (scanner.mistake)
+        failUsage(*scanner.mistake);
+
+    if (positionals.empty())
+        failUsage("transform needs a KIND: smart-case, title-case, uppercase, lowercase or capitalize-words");
+    auto kind = kindNamed(positionals[0]);
+    if (!kind)
+        failUsage("unknown kind " + quoted(positionals[0]) +
+                  " (expected smart-case, title-case, uppercase, lowercase or capitalize-words)");
+    request.kind = *kind;
+    if (positionals.size() > 2)
+        failUsage("unexpected argument " + quoted(positionals[2]) + " (transform takes one FILE at most)");
+    if (positionals.size() == 2) {
+        if (request.text)
+            failUsage("give either --text or a FILE, not both");
+        if (positionals[1] != "-")
+            request.file = std::string(positionals[1]);
+    }
+    if (request.ignorePreferences && !termsChosen)
+        request.termsSource = TermsSource::builtIn;
+    return request;
+}
+
+Invocation parseTerms(std::span<const char *const> arguments) {
+    Scanner scanner(arguments);
+    std::vector<std::string_view> positionals;
+    while (auto token = scanner.next()) {
+        if (!token->isOption)
+            positionals.push_back(token->text);
+        else if (!scanner.takeCommonOption(*token))
+            scanner.noteUnknownOption(*token);
+    }
+    const TermsActionName *action = nullptr;
+    if (!positionals.empty())
+        for (const auto &entry : termsActionNames)
+            if (entry.name == positionals[0])
+                action = &entry;
+    if (scanner.wantsHelp)
+        return ShowHelp{action ? action->help : HelpTopic::terms};
+    if (scanner.wantsVersion)
+        return ShowVersion{};
+    if (scanner.mistake)
+        failUsage(*scanner.mistake);
+
+    if (positionals.empty())
+        failUsage("terms needs an action: list, add, remove or restore-defaults");
+    if (!action)
+        failUsage("unknown terms action " + quoted(positionals[0]) +
+                  " (expected list, add, remove or restore-defaults)");
+    const bool takesText = action->action == TermsAction::add || action->action == TermsAction::remove;
+    const std::size_t expected = takesText ? 2 : 1;
+    if (positionals.size() < expected)
+        failUsage("terms " + std::string(action->name) + " needs the TEXT of a term");
+    if (positionals.size() > expected)
+        failUsage("unexpected argument " + quoted(positionals[expected]) + " after terms " +
+                  std::string(action->name));
+    TermsRequest request{action->action, {}};
+    if (takesText)
+        request.text = std::string(positionals[1]);
+    return request;
+}
+
+} // namespace
+
+Invocation parseArguments(std::span<const char *const> arguments) {
+    if (arguments.empty())
+        failUsage("missing command (see glyphmill --help)");
+    std::string_view command = arguments[0];
+    auto rest = arguments.subspan(1);
+    if (command == "transform")
+        return parseTransform(rest);
+    if (command == "terms")
+        return parseTerms(rest);
+    if (command == "--help" || command == "-h")
+        return ShowHelp{HelpTopic::overview};
+    if (command == "--version")
+        return ShowVersion{};
+    if (command.starts_with('-'))
+        failUsage("unknown option " + quoted(command) + " (see glyphmill --help)");
+    failUsage("unknown command " + quoted(command) + " (expected transform or terms)");
+}
+
+} // namespace glyphmill::cli

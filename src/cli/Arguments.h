@@ -1,0 +1,57 @@
+// What the user asked for on the command line, checked but not yet acted on.
+#pragma once
+
+#include "transform/TextTransformer.h"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace glyphmill::cli {
+
+enum class HelpTopic { overview, transform, terms, termsList, termsAdd, termsRemove, termsRestoreDefaults };
+
+struct ShowHelp {
+    HelpTopic topic;
+};
+
+struct ShowVersion {};
+
+enum class TermsSource {
+    user,    // the user's saved list
+    given,   // exactly the --term values
+    none,    // --no-terms
+    builtIn, // --default-terms, or --defaults without another choice
+};
+
+struct OptionOverride {
+    bool TextProtectionOptions::*field;
+    bool value;
+};
+
+struct TransformRequest {
+    TextTransformKind kind = TextTransformKind::smartCase;
+    std::optional<std::string> text; // --text, as given (UTF-8 not yet checked)
+    std::optional<std::string> file; // none, with no text, means standard input
+    TermsSource termsSource = TermsSource::user;
+    std::vector<std::string> givenTerms;
+    std::vector<OptionOverride> optionOverrides; // in the order given; a later one wins
+    bool ignorePreferences = false;              // --defaults
+};
+
+enum class TermsAction { list, add, remove, restoreDefaults };
+
+struct TermsRequest {
+    TermsAction action = TermsAction::list;
+    std::string text; // for add and remove, as given
+};
+
+using Invocation = std::variant<ShowHelp, ShowVersion, TransformRequest, TermsRequest>;
+
+// The arguments after the program name. Throws Failure (usage) on anything it cannot accept;
+// --help and --version win over such mistakes, so a confused user can still reach the help.
+Invocation parseArguments(std::span<const char *const> arguments);
+
+} // namespace glyphmill::cli

@@ -1,0 +1,32 @@
+// The ways a glyphmill command can fail, each with the exit status scripts can test for.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace glyphmill::cli {
+
+// The values follow <sysexits.h>, which shell scripts already know.
+enum class ExitStatus : int {
+    success = 0,
+    usage = 64,
+    invalidText = 65,
+    unreadableInput = 66,
+    outOfMemory = 71,
+    cannotSavePreferences = 73,
+    cannotWriteOutput = 74,
+};
+
+// Thrown by a command to stop with a one-line message on standard error; main reports it.
+struct Failure {
+    ExitStatus status;
+    std::string message; // without the "glyphmill: " prefix and without a line break
+};
+
+[[noreturn]] void fail(ExitStatus status, std::string message);
+[[noreturn]] void failUsage(std::string message);
+
+// The text between quotes, with control characters escaped so that a message stays on one line.
+std::string quoted(std::string_view text);
+
+} // namespace glyphmill::cli

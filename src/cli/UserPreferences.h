@@ -1,0 +1,39 @@
+// The user's preference file, opened only when a command first needs it: most transforms given
+// --defaults or --term never touch it, which keeps short runs fast.
+#pragma once
+
+#include "platform/JsonFilePreferenceStore.h"
+#include "transform/TextTransformer.h"
+
+#include <memory>
+#include <string>
+
+namespace glyphmill::cli {
+
+class UserPreferences {
+public:
+    UserPreferences();
+    ~UserPreferences();
+    UserPreferences(const UserPreferences &) = delete;
+    UserPreferences &operator=(const UserPreferences &) = delete;
+
+    // Opens the file on first use. If it could not be read and was set aside, a warning saying
+    // where it went is printed, and the command carries on with empty preferences.
+    PreferenceStore &store();
+
+    // True once any write through store() was refused; the file then still holds what it had.
+    bool writeFailed() const;
+    std::string path() const;
+
+private:
+    class WriteCheckingStore;
+
+    std::unique_ptr<JsonFilePreferenceStore> file_;
+    std::unique_ptr<WriteCheckingStore> checked_;
+};
+
+// The protection switches the user chose. Every switch is on until settings can turn them off;
+// the preferences are passed so that the settings can be read from them then.
+TextProtectionOptions protectionOptionsFromPreferences(UserPreferences &preferences);
+
+} // namespace glyphmill::cli

@@ -1,0 +1,44 @@
+// glyphmill: case transforms and the protected terms, from the command line.
+#include "cli/Arguments.h"
+#include "cli/Commands.h"
+#include "cli/Failure.h"
+#include "cli/Help.h"
+#include "cli/InputOutput.h"
+
+#include <csignal>
+#include <new>
+
+using namespace glyphmill::cli;
+
+namespace {
+
+ExitStatus run(std::span<const char *const> arguments) {
+    Invocation invocation = parseArguments(arguments);
+    if (auto *help = std::get_if<ShowHelp>(&invocation)) {
+        writeStandardOutput(helpText(help->topic));
+        return ExitStatus::success;
+    }
+    if (std::holds_alternative<ShowVersion>(invocation)) {
+        writeStandardOutput(versionText());
+        return ExitStatus::success;
+    }
+    if (auto *transform = std::get_if<TransformRequest>(&invocation))
+        return runTransform(*transform);
+    return runTerms(std::get<TermsRequest>(invocation));
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    // A closed pipe must become a reported write error, not a silent death by signal.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return static_cast<int>(run({argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)}));
+    } catch (const Failure &failure) {
+        writeDiagnostic(failure.message);
+        return static_cast<int>(failure.status);
+    } catch (const std::bad_alloc &) {
+        writeDiagnostic("not enough memory for this text");
+        return static_cast<int>(ExitStatus::outOfMemory);
+    }
+}
