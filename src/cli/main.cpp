@@ -5,6 +5,8 @@
 #include "cli/Help.h"
 #include "cli/InputOutput.h"
 
+#include <malloc.h>
+
 #include <csignal>
 #include <new>
 
@@ -32,6 +34,10 @@ ExitStatus run(std::span<const char *const> arguments) {
 int main(int argc, char **argv) {
     // A closed pipe must become a reported write error, not a silent death by signal.
     std::signal(SIGPIPE, SIG_IGN);
+    // Long texts pass through several buffers of their size in turn. Keeping freed memory in
+    // the heap lets each new buffer reuse pages already mapped instead of faulting in fresh ones.
+    mallopt(M_MMAP_THRESHOLD, 1 << 30);
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
     try {
         return static_cast<int>(run({argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)}));
     } catch (const Failure &failure) {

@@ -228,28 +228,59 @@ OnePassRestore restoreOnePass(std::u16string_view text, const PlaceholderMap &pl
 
 } // namespace
 
+namespace {
+
+// One pass stands for key-by-key replacement when every placeholder character of the text
+// belongs to a key of the map and no remembered text holds one: keys then cannot overlap or
+// arise from a replacement. Keys hold no line feed, so line chunks can be restored apart.
+std::optional<std::u16string> restoreByOnePass(std::u16string_view text, const PlaceholderMap &placeholders) {
+    if (placeholders.hasPlaceholderCharacters())
+        return std::nullopt;
+    std::u16string out;
+    OnePassRestore pass = restoreOnePass(text, placeholders, out);
+    if (pass.starts != pass.replaced || pass.ends != pass.replaced)
+        return std::nullopt;
+    return out;
+}
+
+} // namespace
+
 std::u16string restorePlaceholders(std::u16string_view text, const PlaceholderMap &placeholders) {
     if (placeholders.empty())
         return std::u16string(text);
-    // When every placeholder character of the text belongs to a key of the map and no
-    // remembered text holds one, keys cannot overlap or arise from a replacement: one pass
-    // that replaces each key where it stands gives the text that replacing key by key gives.
-    // Keys hold no line feed, so long texts are restored line chunk by line chunk.
-    auto chunks = lineChunks(text);
-    std::vector<std::u16string> restored(chunks.size());
-    std::vector<OnePassRestore> passes(chunks.size());
-    runInParallel(chunks.size(),
-                  [&](std::size_t i) { passes[i] = restoreOnePass(chunks[i], placeholders, restored[i]); });
-    bool faithful = !placeholders.hasPlaceholderCharacters();
-    for (const auto &pass : passes)
-        faithful = faithful && pass.starts == pass.replaced && pass.ends == pass.replaced;
-    if (!faithful)
-        return restoreKeyByKey(text, placeholders);
-    if (restored.size() == 1)
-        return std::move(restored[0]);
+    if (auto restored = restoreByOnePass(text, placeholders))
+        return std::move(*restored);
+    return restoreKeyByKey(text, placeholders);
+}
+
+std::u16string
+transformAndRestore(std::u16string_view maskedText, const PlaceholderMap &placeholders, bool lineLocal,
+                    const std::function<void(std::u16string_view, std::u16string &)> &transform) {
+    auto wholeText = [&] {
+        std::u16string body;
+        transform(maskedText, body);
+        return restorePlaceholders(body, placeholders);
+    };
+    auto chunks = lineLocal ? lineChunks(maskedText) : std::vector<std::u16string_view>{maskedText};
+    if (chunks.size() == 1)
+        return wholeText();
+    std::vector<std::optional<std::u16string>> restored(chunks.size());
+    runInParallel(chunks.size(), [&](std::size_t i) {
+        std::u16string body;
+        transform(chunks[i], body);
+        restored[i] =
+            placeholders.empty() ? std::optional(std::move(body)) : restoreByOnePass(body, placeholders);
+    });
+    std::size_t total = 0;
+    for (const auto &part : restored) {
+        if (!part)
+            return wholeText(); // stray placeholder characters: restore key by key, whole
+        total += part->size();
+    }
     std::u16string out;
+    out.reserve(total);
     for (const auto &part : restored)
-        out.append(part);
+        out.append(*part);
     return out;
 }
 

@@ -5,6 +5,7 @@
 #include "TextTransformer.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -54,5 +55,11 @@ std::u16string maskProtectedTerms(std::u16string_view text, const std::vector<st
                                   PlaceholderMap &placeholders);
 
 std::u16string restorePlaceholders(std::u16string_view text, const PlaceholderMap &placeholders);
+
+// transform, then restorePlaceholders, over a masked text. When lineLocal says the transform
+// works line by line, long texts go line chunk by line chunk on several threads.
+std::u16string
+transformAndRestore(std::u16string_view maskedText, const PlaceholderMap &placeholders, bool lineLocal,
+                    const std::function<void(std::u16string_view, std::u16string &)> &transform);
 
 } // namespace glyphmill

@@ -7,6 +7,8 @@
 
 #include <unicode/uchar.h>
 
+#include <algorithm>
+
 namespace glyphmill {
 namespace {
 
@@ -51,7 +53,7 @@ std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass
     std::size_t i = 0;
     while (i < text.size()) {
         char32_t c = codePointAt(text, i);
-        if (!inClass(c) || !isRegexWordBoundary(text, i)) {
+        if (!inClass(c) || !isRegexWordBoundaryQuick(text, i)) {
             i += codeUnitCount(c);
             continue;
         }
@@ -67,7 +69,7 @@ std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass
         // Give back code points until the end sits on a word boundary.
         std::optional<std::size_t> end;
         for (std::size_t k = runEnd; count >= minimum && count > 0; --count) {
-            if (isRegexWordBoundary(text, k)) {
+            if (isRegexWordBoundaryQuick(text, k)) {
                 end = k;
                 break;
             }
@@ -84,10 +86,10 @@ std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass
 }
 
 std::vector<TextRange> findWords(std::u16string_view text) {
-    return findBoundedRuns(text, isLetter, 1);
+    return findBoundedRuns(text, [](char32_t c) { return isLetter(c); }, 1);
 }
 std::vector<TextRange> findShoutedRuns(std::u16string_view text) {
-    return findBoundedRuns(text, isUppercaseLetter, 2);
+    return findBoundedRuns(text, [](char32_t c) { return isUppercaseLetter(c); }, 2);
 }
 
 struct LetterCounts {
@@ -99,7 +101,18 @@ LetterCounts countLetters(std::u16string_view text) {
     GraphemeCursor cursor(text);
     LetterCounts counts;
     auto &[alphabetic, uppercase] = counts;
-    for (std::size_t i = 0; i < text.size();) {
+    const std::size_t size = text.size();
+    for (std::size_t i = 0; i < size;) {
+        char16_t unit = text[i];
+        if (unit < 0x80 && (i + 1 == size || text[i + 1] < 0x300)) {
+            // One ASCII character; a CR LF pair counts as no letter either way.
+            if (text::isAsciiLetter(unit)) {
+                ++alphabetic;
+                uppercase += unit <= u'Z';
+            }
+            ++i;
+            continue;
+        }
         std::size_t end = cursor.next(i);
         auto g = text.substr(i, end - i);
         if (text::isAlphabeticGrapheme(g)) {
@@ -146,6 +159,13 @@ std::u16string replaceRanges(std::u16string_view text, const std::vector<TextRan
 
 std::u16string capitalizeAllCapsWords(std::u16string_view text) {
     return replaceRanges(text, findWords(text), [](std::u16string &out, std::u16string_view word) {
+        if (std::all_of(word.begin(), word.end(), [](char16_t unit) { return unit < 0x80; })) {
+            // ASCII letters, one grapheme each.
+            if (!std::all_of(word.begin(), word.end(), [](char16_t unit) { return unit <= u'Z'; }))
+                return false;
+            text::appendCapitalizedWord(out, word);
+            return true;
+        }
         if (containsPrivateUse(word))
             return false;
         GraphemeCursor cursor(word);
@@ -260,6 +280,7 @@ std::u16string sentenceCase(std::u16string_view text) {
     ListMarkers markers(cursor);
     std::u16string out;
     out.reserve(text.size() + 16);
+    std::size_t copied = 0; // text before this position is in out
     bool sentenceStart = true;
     std::size_t i = 0;
     while (i < text.size()) {
@@ -269,34 +290,37 @@ std::u16string sentenceCase(std::u16string_view text) {
             sentenceStart = true;
         } else if (sentenceStart) {
             if (auto afterMarker = markers.markerEnd(i)) {
-                out.append(text.substr(i, *afterMarker - i));
                 i = *afterMarker;
                 continue;
             }
             if (text::isAlphabeticGrapheme(g)) {
+                out.append(text.substr(copied, i - copied));
                 text::appendUpperMapped(out, g);
                 i = end;
                 // The rest of the first word goes to lower case, across apostrophes.
                 while (i < text.size()) {
                     end = cursor.next(i);
                     g = text.substr(i, end - i);
-                    if (text::isAlphabeticGrapheme(g))
+                    if (g.size() == 1 && g[0] < 0x80 && text::isAsciiLetter(g[0]))
+                        out.push_back(char16_t(g[0] | 0x20));
+                    else if (text::isAlphabeticGrapheme(g))
                         text::appendLowerMapped(out, g);
                     else if (g == u"'")
-                        out.append(g);
+                        out.push_back(u'\'');
                     else
                         break;
                     i = end;
                 }
+                copied = i;
                 sentenceStart = false;
                 continue;
             }
         } else if (isSentenceTerminator(g)) {
             sentenceStart = true;
         }
-        out.append(g);
         i = end;
     }
+    out.append(text.substr(copied));
     return out;
 }
 
@@ -315,20 +339,20 @@ std::u16string smartCaseText(std::u16string_view text, const std::vector<std::u1
     enum class Correction { none, allCaps, shoutedRuns } correction = Correction::none;
     if (options.correctAllUppercaseProse)
         correction = isMostlyUppercase(working) ? Correction::allCaps : Correction::shoutedRuns;
-    std::u16string cased = transformLineChunks(working, [&](std::u16string_view chunk, std::u16string &out) {
-        switch (correction) {
-        case Correction::allCaps:
-            out = sentenceCase(lowercaseMinorWords(capitalizeAllCapsWords(chunk)));
-            break;
-        case Correction::shoutedRuns:
-            out = sentenceCase(lowercaseShoutedRuns(chunk));
-            break;
-        case Correction::none:
-            out = sentenceCase(chunk);
-            break;
-        }
-    });
-    return restorePlaceholders(cased, masked.placeholders);
+    return transformAndRestore(working, masked.placeholders, true,
+                               [&](std::u16string_view chunk, std::u16string &out) {
+                                   switch (correction) {
+                                   case Correction::allCaps:
+                                       out = sentenceCase(lowercaseMinorWords(capitalizeAllCapsWords(chunk)));
+                                       break;
+                                   case Correction::shoutedRuns:
+                                       out = sentenceCase(lowercaseShoutedRuns(chunk));
+                                       break;
+                                   case Correction::none:
+                                       out = sentenceCase(chunk);
+                                       break;
+                                   }
+                               });
 }
 
 bool looksAllCaps(std::u16string_view text) {

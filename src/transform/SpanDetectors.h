@@ -33,4 +33,19 @@ bool isRegexSpace(char32_t codePoint);
 bool isRegexWordCharacter(char32_t codePoint);
 bool isRegexWordBoundary(std::u16string_view text, std::size_t position);
 
+// The same, answered in place when the characters on both sides are ASCII (never combining).
+inline bool isRegexWordBoundaryQuick(std::u16string_view text, std::size_t position) {
+    auto isAsciiWord = [](char16_t unit) {
+        return ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z') || (unit >= u'0' && unit <= u'9') ||
+               unit == u'_';
+    };
+    bool currentAscii = position >= text.size() || text[position] < 0x80;
+    bool previousAscii = position == 0 || text[position - 1] < 0x80;
+    if (!currentAscii || !previousAscii)
+        return isRegexWordBoundary(text, position);
+    bool current = position < text.size() && isAsciiWord(text[position]);
+    bool previous = position > 0 && isAsciiWord(text[position - 1]);
+    return current != previous;
+}
+
 } // namespace glyphmill

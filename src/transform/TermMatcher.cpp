@@ -65,6 +65,13 @@ TermMatcher::TermMatcher(const std::vector<std::u16string> &terms) {
         }
         if (nodes_[node].bestOrder < 0)
             nodes_[node].bestOrder = int(rank);
+        if (key[0] < 0x80) {
+            std::uint64_t *pairs = &asciiPairs_[key[0] * 2];
+            if (key.size() == 1)
+                pairs[0] = pairs[1] = ~std::uint64_t(0); // a one-unit term may be followed by anything
+            else if (key[1] < 0x80)
+                pairs[key[1] / 64] |= std::uint64_t(1) << (key[1] % 64);
+        }
     }
 }
 

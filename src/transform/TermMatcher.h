@@ -7,6 +7,7 @@
 #include "FastScan.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -47,14 +48,25 @@ private:
     static bool isAsciiAlphanumeric(char16_t unit) {
         return ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z') || (unit >= u'0' && unit <= u'9');
     }
-    // A cheap test that rules out most positions inside words and before unlikely letters.
+    static char16_t asciiLower(char16_t unit) {
+        return unit >= u'A' && unit <= u'Z' ? char16_t(unit + 0x20) : unit;
+    }
+    // A cheap test that rules out most positions: inside words, and where the first two
+    // characters begin no term.
     bool mayStartAt(std::u16string_view text, std::size_t p) const {
         if (p > 0 && text[p - 1] < 0x80 && isAsciiAlphanumeric(text[p - 1]))
             return false;
-        char16_t unit = text[p];
-        if (unit >= 0x80)
+        char16_t first = text[p];
+        if (first >= 0x80)
             return true;
-        return rootAscii_[unit >= u'A' && unit <= u'Z' ? unit + 0x20 : unit] >= 0;
+        const std::size_t size = text.size();
+        // Two ASCII characters with no mark after them are their own caseless form.
+        if (p + 1 < size && text[p + 1] < 0x80 && (p + 2 == size || text[p + 2] < 0x300))
+            return startsTerm(asciiLower(first), asciiLower(text[p + 1]));
+        return rootAscii_[asciiLower(first)] >= 0;
+    }
+    bool startsTerm(char16_t first, char16_t second) const {
+        return (asciiPairs_[first * 2 + second / 64] >> (second % 64)) & 1;
     }
 
     struct Node {
@@ -69,6 +81,8 @@ private:
     std::vector<const std::u16string *> ordered_;
     std::vector<Node> nodes_;
     int rootAscii_[128];
+    // Bit (first, second) is set when a caseless term can begin with these two ASCII units.
+    std::uint64_t asciiPairs_[128 * 2] = {};
     mutable std::unordered_map<char32_t, std::u16string> caselessMemo_;
 };
 

@@ -76,12 +76,8 @@ std::u16string TextTransformer::apply(TextTransformKind kind, std::u16string_vie
         else
             appendSimpleBody(kind, source, protectedTerms, body);
     };
-    std::u16string body;
-    if (termsStayWithinLines(protectedTerms))
-        body = transformLineChunks(masked.text, transformBody);
-    else
-        transformBody(masked.text, body);
-    return restorePlaceholders(body, masked.placeholders);
+    return transformAndRestore(masked.text, masked.placeholders, termsStayWithinLines(protectedTerms),
+                               transformBody);
 }
 
 } // namespace glyphmill

@@ -10,39 +10,52 @@ namespace {
 
 using text::GraphemeCursor;
 
-// Calls token(start, end) for every maximal run of non-white-space graphemes.
+// Calls token(start, end, ascii) for every maximal run of non-white-space graphemes; ascii
+// tells that the token holds only ASCII characters, each a grapheme of its own.
 template <typename Token> void forEachToken(std::u16string_view text, Token token) {
     GraphemeCursor cursor(text);
-    std::size_t tokenStart = 0;
-    bool inToken = false;
     const std::size_t size = text.size();
-    for (std::size_t i = 0; i < size;) {
-        char16_t unit = text[i];
-        std::size_t end;
-        bool space;
-        if (unit < 0x80 && (i + 1 == size || text[i + 1] < 0x300)) {
-            end = i + 1; // a CR LF pair is white space either way
-            space = text::isAsciiWhiteSpace(unit);
-        } else {
-            end = cursor.next(i);
-            space = text::isWhiteSpaceGrapheme(text.substr(i, end - i));
+    std::size_t i = 0;
+    while (i < size) {
+        // White space up to the token.
+        while (i < size) {
+            char16_t unit = text[i];
+            if (unit < 0x80 && (i + 1 == size || text[i + 1] < 0x300)) {
+                if (!text::isAsciiWhiteSpace(unit))
+                    break;
+                ++i; // a CR LF pair is white space either way
+                continue;
+            }
+            std::size_t end = cursor.next(i);
+            if (!text::isWhiteSpaceGrapheme(text.substr(i, end - i)))
+                break;
+            i = end;
         }
-        if (space != !inToken) {
-            if (space)
-                token(tokenStart, i);
-            else
-                tokenStart = i;
-            inToken = !space;
+        if (i == size)
+            return;
+        std::size_t start = i;
+        bool ascii = true;
+        while (i < size) {
+            char16_t unit = text[i];
+            if (unit < 0x80 && (i + 1 == size || text[i + 1] < 0x300)) {
+                if (text::isAsciiWhiteSpace(unit))
+                    break;
+                ++i;
+                continue;
+            }
+            std::size_t end = cursor.next(i);
+            if (text::isWhiteSpaceGrapheme(text.substr(i, end - i)))
+                break;
+            ascii = false;
+            i = end;
         }
-        i = end;
+        token(start, i, ascii);
     }
-    if (inToken)
-        token(tokenStart, size);
 }
 
 std::size_t wordCount(std::u16string_view text) {
     std::size_t count = 0;
-    forEachToken(text, [&](std::size_t, std::size_t) { ++count; });
+    forEachToken(text, [&](std::size_t, std::size_t, bool) { ++count; });
     return count;
 }
 
@@ -52,18 +65,6 @@ struct Affixes {
     std::size_t coreEnd;
 };
 Affixes splitAffixes(std::u16string_view token) {
-    if (std::all_of(token.begin(), token.end(), [](char16_t unit) { return unit < 0x80; })) {
-        // One character, one grapheme.
-        std::size_t start = 0;
-        std::size_t end = token.size();
-        while (start < end && !text::isAsciiLetter(token[start]))
-            ++start;
-        if (start == end)
-            return {0, token.size()};
-        while (!text::isAsciiLetter(token[end - 1]))
-            --end;
-        return {start, end};
-    }
     GraphemeCursor cursor(token);
     std::optional<std::size_t> firstLetter;
     std::size_t afterLastLetter = 0;
@@ -82,17 +83,14 @@ Affixes splitAffixes(std::u16string_view token) {
 }
 
 // The common case of a token of ASCII characters only, one grapheme each, written in place.
-bool appendAsciiTitleCasedToken(std::u16string &out, std::u16string_view token, bool mayBeMinor) {
-    for (char16_t unit : token)
-        if (unit >= 0x80)
-            return false;
+void appendAsciiTitleCasedToken(std::u16string &out, std::u16string_view token, bool mayBeMinor) {
     std::size_t coreStart = 0;
     std::size_t coreEnd = token.size();
     while (coreStart < coreEnd && !text::isAsciiLetter(token[coreStart]))
         ++coreStart;
     if (coreStart == coreEnd) { // no letters: the whole token is the core, and nothing in it has case
         out.append(token);
-        return true;
+        return;
     }
     while (!text::isAsciiLetter(token[coreEnd - 1]))
         --coreEnd;
@@ -110,7 +108,6 @@ bool appendAsciiTitleCasedToken(std::u16string &out, std::u16string_view token, 
         else
             dest[i] = lower(unit);
     }
-    return true;
 }
 
 // Returns the number of tokens of the segment.
@@ -118,17 +115,19 @@ std::size_t appendTitleCasedSegment(std::u16string &out, std::u16string_view seg
                                     std::size_t total) {
     std::size_t copied = 0;
     std::size_t index = firstIndex;
-    forEachToken(segment, [&](std::size_t start, std::size_t end) {
+    forEachToken(segment, [&](std::size_t start, std::size_t end, bool ascii) {
         out.append(segment.substr(copied, start - copied));
         copied = end;
         auto token = segment.substr(start, end - start);
         std::size_t position = index++;
+        if (ascii) {
+            appendAsciiTitleCasedToken(out, token, position != 0 && position + 1 != total);
+            return;
+        }
         if (token.find(text::placeholderStart) != std::u16string_view::npos) {
             out.append(token);
             return;
         }
-        if (appendAsciiTitleCasedToken(out, token, position != 0 && position + 1 != total))
-            return;
         auto [coreStart, coreEnd] = splitAffixes(token);
         auto core = token.substr(coreStart, coreEnd - coreStart);
         out.append(token.substr(0, coreStart));
