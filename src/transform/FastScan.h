@@ -57,6 +57,31 @@ inline std::size_t asciiBlockRun(const char16_t *data, std::size_t size) {
     return i;
 }
 
+// The first index at or after from whose unit is an ASCII capital or not ASCII, or text.size().
+inline std::size_t findAsciiCapitalOrNonAscii(std::u16string_view text, std::size_t from) {
+    const std::size_t size = text.size();
+    const char16_t *data = text.data();
+    std::size_t i = from;
+#if defined(__SSE2__)
+    const __m128i beforeA = _mm_set1_epi16(u'A' - 1), afterZ = _mm_set1_epi16(u'Z' + 1);
+    const __m128i lastAscii = _mm_set1_epi16(0x7F);
+    for (; i + 8 <= size; i += 8) {
+        __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(data + i));
+        __m128i capital = _mm_and_si128(_mm_cmpgt_epi16(units, beforeA), _mm_cmplt_epi16(units, afterZ));
+        // Units of 0x8000 and above compare as negative, so test the high bits apart.
+        __m128i high =
+            _mm_or_si128(_mm_cmpgt_epi16(units, lastAscii), _mm_cmplt_epi16(units, _mm_setzero_si128()));
+        int mask = _mm_movemask_epi8(_mm_or_si128(capital, high));
+        if (mask != 0)
+            return i + std::size_t(__builtin_ctz(unsigned(mask)) / 2);
+    }
+#endif
+    for (; i < size; ++i)
+        if (data[i] >= 0x80 || (data[i] >= u'A' && data[i] <= u'Z'))
+            return i;
+    return size;
+}
+
 // The first index at or after from whose unit is not an ASCII letter or digit, or text.size().
 inline std::size_t findNonAsciiAlphanumeric(std::u16string_view text, std::size_t from) {
     const std::size_t size = text.size();

@@ -23,32 +23,35 @@ void appendPlaceholder(std::u16string &out, std::uint32_t number) {
 
 // Replaces each range by a placeholder. Numbers are handed out from the last range back to
 // the first, so that the earliest range gets the highest number.
-void maskRanges(std::u16string &working, std::u16string &scratch, const std::vector<TextRange> &ranges,
-                PlaceholderMap &placeholders) {
+// Writes working with the ranges masked into masked; false (and nothing written) when every
+// range overlaps an earlier placeholder.
+bool maskRanges(std::u16string_view working, const std::vector<TextRange> &ranges,
+                PlaceholderMap &placeholders, std::u16string &masked) {
     std::vector<const TextRange *> kept;
     kept.reserve(ranges.size());
     for (const auto &range : ranges) {
-        auto matched = std::u16string_view(working).substr(range.start, range.end - range.start);
+        auto matched = working.substr(range.start, range.end - range.start);
         if (matched.find(text::placeholderStart) == std::u16string_view::npos)
             kept.push_back(&range);
     }
     if (kept.empty())
-        return;
+        return false;
     std::vector<std::uint32_t> numbers(kept.size());
     for (std::size_t k = kept.size(); k-- > 0;) {
         const TextRange &range = *kept[k];
-        numbers[k] = placeholders.addSpan(working.substr(range.start, range.end - range.start));
+        numbers[k] =
+            placeholders.addSpan(std::u16string(working.substr(range.start, range.end - range.start)));
     }
-    // Two buffers take turns, so a long text is not allocated afresh for every detector.
-    scratch.clear();
+    masked.clear();
+    masked.reserve(working.size() + kept.size() * 8);
     std::size_t copied = 0;
     for (std::size_t k = 0; k < kept.size(); ++k) {
-        scratch.append(working, copied, kept[k]->start - copied);
-        appendPlaceholder(scratch, numbers[k]);
+        masked.append(working.substr(copied, kept[k]->start - copied));
+        appendPlaceholder(masked, numbers[k]);
         copied = kept[k]->end;
     }
-    scratch.append(working, copied, std::u16string::npos);
-    working.swap(scratch);
+    masked.append(working.substr(copied));
+    return true;
 }
 
 // The number of a placeholder key that starts at text[i] (which is U+E000), and its length.
@@ -138,7 +141,7 @@ std::map<std::u16string, std::u16string> PlaceholderMap::entries() const {
 }
 
 MaskedText maskProtectedSpans(std::u16string_view input, const TextProtectionOptions &options) {
-    MaskedText result{std::u16string(input), {}};
+    MaskedText result;
     using Detector = std::vector<TextRange> (*)(std::u16string_view);
     const std::pair<bool, Detector> detectors[] = {
         {options.preserveURLs, findLinks},
@@ -147,10 +150,21 @@ MaskedText maskProtectedSpans(std::u16string_view input, const TextProtectionOpt
         {options.preserveHashtagsAndMentions, findHashtagsAndMentions},
         {options.preserveCodeLikeTokens, findCodeSpans},
     };
-    std::u16string scratch;
-    for (const auto &[enabled, detect] : detectors)
-        if (enabled)
-            maskRanges(result.text, scratch, detect(result.text), result.placeholders);
+    // Two buffers take turns, so a long text is not allocated afresh for every detector; the
+    // input itself is read by the first detector that finds something.
+    std::u16string buffers[2];
+    std::u16string_view working = input;
+    int current = -1;
+    for (const auto &[enabled, detect] : detectors) {
+        if (!enabled)
+            continue;
+        int next = current == 0 ? 1 : 0;
+        if (maskRanges(working, detect(working), result.placeholders, buffers[next])) {
+            current = next;
+            working = buffers[current];
+        }
+    }
+    result.text = current < 0 ? std::u16string(input) : std::move(buffers[current]);
     return result;
 }
 
@@ -243,6 +257,42 @@ std::optional<std::u16string> restoreByOnePass(std::u16string_view text, const P
     return out;
 }
 
+// The length of the one-pass restoration of text, when it stands for key-by-key replacement.
+std::optional<std::size_t> onePassRestoredSize(std::u16string_view text, const PlaceholderMap &placeholders) {
+    if (placeholders.hasPlaceholderCharacters())
+        return std::nullopt;
+    std::size_t size = text.size();
+    std::size_t keys = 0;
+    for (std::size_t at = scan::findAnyOf(text, 0, text::placeholderStart); at < text.size();
+         at = scan::findAnyOf(text, at + 1, text::placeholderStart)) {
+        auto key = placeholderAt(text, at);
+        const std::u16string *value = key ? placeholders.find(key->first) : nullptr;
+        if (!value)
+            return std::nullopt;
+        size = size - key->second + value->size();
+        at += key->second - 1;
+        ++keys;
+    }
+    if (std::size_t(std::count(text.begin(), text.end(), text::placeholderEnd)) != keys)
+        return std::nullopt;
+    return size;
+}
+
+// Writes the one-pass restoration of text (measured by onePassRestoredSize) to dest.
+void writeOnePassRestored(std::u16string_view text, const PlaceholderMap &placeholders, char16_t *dest) {
+    std::size_t copied = 0;
+    for (std::size_t at = scan::findAnyOf(text, 0, text::placeholderStart); at < text.size();
+         at = scan::findAnyOf(text, at + 1, text::placeholderStart)) {
+        auto key = placeholderAt(text, at);
+        const std::u16string *value = placeholders.find(key->first);
+        dest = std::copy(text.begin() + std::ptrdiff_t(copied), text.begin() + std::ptrdiff_t(at), dest);
+        dest = std::copy(value->begin(), value->end(), dest);
+        copied = at + key->second;
+        at = copied - 1;
+    }
+    std::copy(text.begin() + std::ptrdiff_t(copied), text.end(), dest);
+}
+
 } // namespace
 
 std::u16string restorePlaceholders(std::u16string_view text, const PlaceholderMap &placeholders) {
@@ -264,23 +314,27 @@ transformAndRestore(std::u16string_view maskedText, const PlaceholderMap &placeh
     auto chunks = lineLocal ? lineChunks(maskedText) : std::vector<std::u16string_view>{maskedText};
     if (chunks.size() == 1)
         return wholeText();
-    std::vector<std::optional<std::u16string>> restored(chunks.size());
+    // Each chunk is transformed and measured on its own thread, then restored straight into
+    // its place in the result.
+    std::vector<std::u16string> bodies(chunks.size());
+    std::vector<std::optional<std::size_t>> sizes(chunks.size());
     runInParallel(chunks.size(), [&](std::size_t i) {
-        std::u16string body;
-        transform(chunks[i], body);
-        restored[i] =
-            placeholders.empty() ? std::optional(std::move(body)) : restoreByOnePass(body, placeholders);
+        transform(chunks[i], bodies[i]);
+        sizes[i] = onePassRestoredSize(bodies[i], placeholders);
     });
+    std::vector<std::size_t> offsets(chunks.size());
     std::size_t total = 0;
-    for (const auto &part : restored) {
-        if (!part)
+    for (std::size_t i = 0; i < chunks.size(); ++i) {
+        if (!sizes[i])
             return wholeText(); // stray placeholder characters: restore key by key, whole
-        total += part->size();
+        offsets[i] = total;
+        total += *sizes[i];
     }
-    std::u16string out;
-    out.reserve(total);
-    for (const auto &part : restored)
-        out.append(*part);
+    std::u16string out(total, u'\0');
+    runInParallel(chunks.size(), [&](std::size_t i) {
+        writeOnePassRestored(bodies[i], placeholders, out.data() + offsets[i]);
+        std::u16string().swap(bodies[i]);
+    });
     return out;
 }
 

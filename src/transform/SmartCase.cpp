@@ -1,5 +1,6 @@
 #include "CaseRules.h"
 
+#include "FastScan.h"
 #include "LineChunks.h"
 #include "ProtectedSpans.h"
 #include "SpanDetectors.h"
@@ -21,8 +22,11 @@ constexpr double allCapsShare = 0.85;
 constexpr std::size_t looksAllCapsMinimumLetters = 5;
 constexpr double looksAllCapsShare = 0.92;
 
+bool isTerminatorUnit(char16_t unit) {
+    return unit == u'.' || unit == u'!' || unit == u'?' || unit == 0x2026;
+}
 bool isSentenceTerminator(std::u16string_view g) {
-    return g == u"." || g == u"!" || g == u"?" || g == u"\u2026";
+    return g.size() == 1 && isTerminatorUnit(g[0]);
 }
 bool isBullet(std::u16string_view g) {
     return g == u"\u2022" || g == u"-" || g == u"*" || g == u"\u2013" || g == u"\u2014";
@@ -47,11 +51,13 @@ bool isUppercaseLetter(char32_t c) {
 }
 
 // All matches of \b[class]{minimum,}\b, as ICU's engine finds them left to right.
-template <typename InClass>
-std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass, std::size_t minimum) {
+// skipTo(text, i) gives the first position at or after i where a run could start.
+template <typename InClass, typename SkipTo>
+std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass, std::size_t minimum,
+                                       SkipTo skipTo) {
     std::vector<TextRange> matches;
     std::size_t i = 0;
-    while (i < text.size()) {
+    while ((i = skipTo(text, i)) < text.size()) {
         char32_t c = codePointAt(text, i);
         if (!inClass(c) || !isRegexWordBoundaryQuick(text, i)) {
             i += codeUnitCount(c);
@@ -86,10 +92,13 @@ std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass
 }
 
 std::vector<TextRange> findWords(std::u16string_view text) {
-    return findBoundedRuns(text, [](char32_t c) { return isLetter(c); }, 1);
+    return findBoundedRuns(
+        text, [](char32_t c) { return isLetter(c); }, 1,
+        [](std::u16string_view, std::size_t i) { return i; });
 }
 std::vector<TextRange> findShoutedRuns(std::u16string_view text) {
-    return findBoundedRuns(text, [](char32_t c) { return isUppercaseLetter(c); }, 2);
+    return findBoundedRuns(
+        text, [](char32_t c) { return isUppercaseLetter(c); }, 2, scan::findAsciiCapitalOrNonAscii);
 }
 
 struct LetterCounts {
@@ -103,6 +112,18 @@ LetterCounts countLetters(std::u16string_view text) {
     auto &[alphabetic, uppercase] = counts;
     const std::size_t size = text.size();
     for (std::size_t i = 0; i < size;) {
+        // A block of ASCII that no mark follows: one grapheme per character.
+        std::size_t block = scan::asciiBlockRun(text.data() + i, size - i);
+        while (block > 0 && i + block < size && text[i + block] >= 0x300)
+            block -= 8;
+        for (std::size_t end = i + block; i < end; ++i) {
+            char16_t unit = text[i];
+            bool letter = text::isAsciiLetter(unit);
+            alphabetic += letter;
+            uppercase += letter && unit <= u'Z';
+        }
+        if (i >= size)
+            break;
         char16_t unit = text[i];
         if (unit < 0x80 && (i + 1 == size || text[i + 1] < 0x300)) {
             // One ASCII character; a CR LF pair counts as no letter either way.
@@ -282,6 +303,8 @@ std::u16string sentenceCase(std::u16string_view text) {
     out.reserve(text.size() + 16);
     std::size_t copied = 0; // text before this position is in out
     bool sentenceStart = true;
+    std::size_t nextEllipsis = 0; // the next standalone U+2026 at or after it was looked for
+    bool ellipsisKnown = false;
     std::size_t i = 0;
     while (i < text.size()) {
         std::size_t end = cursor.next(i);
@@ -315,8 +338,24 @@ std::u16string sentenceCase(std::u16string_view text) {
                 sentenceStart = false;
                 continue;
             }
-        } else if (isSentenceTerminator(g)) {
+        } else {
+            // Inside a sentence only a terminator or a line feed matters: jump to the next one
+            // that stands as a grapheme of its own.
+            std::size_t next = scan::findAnyOf(text, i, u'.', u'!', u'?', u'\n');
+            while (next < text.size() && !text::isStandaloneGrapheme(text, next))
+                next = scan::findAnyOf(text, next + 1, u'.', u'!', u'?', u'\n');
+            if (!ellipsisKnown || nextEllipsis < i) {
+                ellipsisKnown = true;
+                nextEllipsis = scan::findAnyOf(text, i, u'\u2026');
+                while (nextEllipsis < text.size() && !text::isStandaloneGrapheme(text, nextEllipsis))
+                    nextEllipsis = scan::findAnyOf(text, nextEllipsis + 1, u'\u2026');
+            }
+            next = std::min(next, nextEllipsis);
+            if (next >= text.size())
+                break;
             sentenceStart = true;
+            i = next + 1;
+            continue;
         }
         i = end;
     }

@@ -3,12 +3,8 @@
 #include "FastScan.h"
 #include "TextModel.h"
 
-#include <unicode/regex.h>
 #include <unicode/uchar.h>
-#include <unicode/uniset.h>
-#include <unicode/utext.h>
 
-#include <memory>
 #include <optional>
 
 namespace glyphmill {
@@ -25,80 +21,6 @@ bool isAsciiDigit(char16_t unit) {
     return unit >= u'0' && unit <= u'9';
 }
 
-// Patterns that are still run by ICU, but only where a cheap test has found a candidate.
-// A compiled pattern is immutable and may be shared between threads; matchers are per call.
-class AnchoredPattern {
-public:
-    AnchoredPattern(const char16_t *pattern, uint32_t flags) {
-        UErrorCode status = U_ZERO_ERROR;
-        pattern_.reset(icu::RegexPattern::compile(icu::UnicodeString(pattern), flags, status));
-        if (U_FAILURE(status))
-            pattern_.reset();
-    }
-
-    // Runs over one text; lookingAt(start) gives the end of the match that begins exactly at
-    // start, seeing the text around it as the whole-text search would.
-    class Matcher {
-    public:
-        Matcher(const icu::RegexPattern *pattern, std::u16string_view text) : textLength_(text.size()) {
-            if (!pattern)
-                return;
-            UErrorCode status = U_ZERO_ERROR;
-            utext_ = utext_openUChars(nullptr, reinterpret_cast<const UChar *>(text.data()),
-                                      int64_t(text.size()), &status);
-            matcher_.reset(pattern->matcher(status));
-            if (U_FAILURE(status)) {
-                matcher_.reset();
-                return;
-            }
-            matcher_->reset(utext_);
-            matcher_->useTransparentBounds(true);
-            matcher_->useAnchoringBounds(false);
-        }
-        ~Matcher() {
-            matcher_.reset();
-            if (utext_)
-                utext_close(utext_);
-        }
-        Matcher(const Matcher &) = delete;
-        Matcher &operator=(const Matcher &) = delete;
-
-        std::optional<std::size_t> lookingAt(std::size_t start) {
-            if (!matcher_)
-                return std::nullopt;
-            UErrorCode status = U_ZERO_ERROR;
-            matcher_->region(int64_t(start), int64_t(textLength_), status);
-            if (U_FAILURE(status) || !matcher_->lookingAt(status) || U_FAILURE(status))
-                return std::nullopt;
-            int64_t end = matcher_->end64(status);
-            if (U_FAILURE(status))
-                return std::nullopt;
-            return std::size_t(end);
-        }
-
-    private:
-        std::size_t textLength_;
-        UText *utext_ = nullptr;
-        std::unique_ptr<icu::RegexMatcher> matcher_;
-    };
-
-    const icu::RegexPattern *pattern() const { return pattern_.get(); }
-
-private:
-    std::unique_ptr<icu::RegexPattern> pattern_;
-};
-
-const AnchoredPattern &linkPattern() {
-    static const AnchoredPattern pattern(u"(?i)\\b(?:https?://|www\\.)[^\\s<>'\\\"]+", 0);
-    return pattern;
-}
-
-const AnchoredPattern &emailPattern() {
-    static const AnchoredPattern pattern(u"[A-Z0-9._%+\\-]+@[A-Z0-9.\\-]+\\.[A-Z]{2,}",
-                                         UREGEX_CASE_INSENSITIVE);
-    return pattern;
-}
-
 // [A-Z0-9._%+\-] matched without regard to case: ICU closes the set over case, which adds
 // the long s and the Kelvin sign.
 bool isEmailLocalCharacter(char32_t c) {
@@ -108,6 +30,44 @@ bool isEmailLocalCharacter(char32_t c) {
                unit == u'+' || unit == u'-';
     }
     return c == 0x017F || c == 0x212A;
+}
+
+// [A-Z0-9.\-] and [A-Z] without regard to case.
+bool isEmailDomainCharacter(char16_t c) {
+    return isAsciiLetter(c) || isAsciiDigit(c) || c == u'.' || c == u'-' || c == 0x017F || c == 0x212A;
+}
+bool isEmailTopLevelCharacter(char16_t c) {
+    return isAsciiLetter(c) || c == 0x017F || c == 0x212A;
+}
+
+// The end of "@[A-Z0-9.\-]+\.[A-Z]{2,}" matched from the @ at position at, if it matches: the
+// greedy domain run gives back characters until a full stop is followed by two or more letters.
+std::optional<std::size_t> emailDomainEnd(std::u16string_view text, std::size_t at) {
+    std::size_t runEnd = at + 1;
+    while (runEnd < text.size() && isEmailDomainCharacter(text[runEnd]))
+        ++runEnd;
+    for (std::size_t dot = runEnd; dot-- > at + 2;) {
+        if (text[dot] != u'.')
+            continue;
+        std::size_t end = dot + 1;
+        while (end < text.size() && isEmailTopLevelCharacter(text[end]))
+            ++end;
+        if (end - dot - 1 >= 2)
+            return end;
+    }
+    return std::nullopt;
+}
+
+// The end of "[^\s<>'\"]+" from position i, if at least one character qualifies.
+std::optional<std::size_t> linkTailEnd(std::u16string_view text, std::size_t i) {
+    std::size_t end = i;
+    while (end < text.size()) {
+        char32_t c = codePointAt(text, end);
+        if (c == u'<' || c == u'>' || c == u'\'' || c == u'"' || isRegexSpace(c))
+            break;
+        end += codeUnitCount(c);
+    }
+    return end > i ? std::optional(end) : std::nullopt;
 }
 
 bool equalsIgnoringAsciiCase(std::u16string_view text, std::size_t start, std::u16string_view lower) {
@@ -229,16 +189,17 @@ bool isRegexWordBoundary(std::u16string_view text, std::size_t position) {
 
 std::vector<TextRange> findLinks(std::u16string_view text) {
     std::vector<TextRange> matches;
-    std::optional<AnchoredPattern::Matcher> matcher;
     std::size_t searchFrom = 0;
     for (std::size_t anchor = 0;
          (anchor = scan::findAnyOf(text, anchor, u':', u'.', u':', u'.')) < text.size(); ++anchor) {
         auto start = linkStartBefore(text, anchor);
         if (!start || *start < searchFrom)
             continue;
-        if (!matcher)
-            matcher.emplace(linkPattern().pattern(), text);
-        if (auto end = matcher->lookingAt(*start)) {
+        // The prefix is "www." (4) or "http://" / "https://" (the anchor plus 3).
+        std::size_t prefixEnd = text[anchor] == u'.' ? anchor + 1 : anchor + 3;
+        if (!isRegexWordBoundary(text, *start))
+            continue;
+        if (auto end = linkTailEnd(text, prefixEnd)) {
             matches.push_back({*start, *end});
             searchFrom = *end;
             anchor = *end - 1;
@@ -249,7 +210,6 @@ std::vector<TextRange> findLinks(std::u16string_view text) {
 
 std::vector<TextRange> findEmailAddresses(std::u16string_view text) {
     std::vector<TextRange> matches;
-    std::optional<AnchoredPattern::Matcher> matcher;
     std::size_t searchFrom = 0;
     for (std::size_t at = scan::findAnyOf(text, 0, u'@'); at < text.size();
          at = scan::findAnyOf(text, at + 1, u'@')) {
@@ -266,9 +226,7 @@ std::vector<TextRange> findEmailAddresses(std::u16string_view text) {
         }
         if (start == at)
             continue;
-        if (!matcher)
-            matcher.emplace(emailPattern().pattern(), text);
-        if (auto end = matcher->lookingAt(start)) {
+        if (auto end = emailDomainEnd(text, at)) {
             matches.push_back({start, *end});
             searchFrom = *end;
         }

@@ -146,6 +146,19 @@ std::size_t GraphemeCursor::slowNext(std::size_t start) const {
     return i;
 }
 
+bool isStandaloneGrapheme(std::u16string_view text, std::size_t index) {
+    if (text[index] == lineFeed) // GB3 to GB5: only a carriage return before it joins it
+        return index == 0 || text[index - 1] != carriageReturn;
+    if (index > 0 && breakProperties(codePointBefore(text, index)).gcb == Gcb::prepend)
+        return false;
+    if (index + 1 < text.size()) {
+        Gcb after = breakProperties(codePointAt(text, index + 1)).gcb;
+        if (after == Gcb::extend || after == Gcb::zwj || after == Gcb::spacingMark)
+            return false;
+    }
+    return true;
+}
+
 std::size_t graphemeCount(std::u16string_view text) {
     GraphemeCursor cursor(text);
     std::size_t count = 0;

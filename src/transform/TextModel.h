@@ -72,6 +72,10 @@ private:
 
 std::size_t graphemeCount(std::u16string_view text);
 
+// Whether the BMP character at index forms a grapheme on its own, when index starts a grapheme
+// or the character is a line feed: nothing joins it from either side.
+bool isStandaloneGrapheme(std::u16string_view text, std::size_t index);
+
 inline bool isAsciiLetter(char16_t unit) {
     return (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z';
 }
