@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
 #if defined(__SSE2__)
@@ -55,6 +56,31 @@ inline std::size_t asciiBlockRun(const char16_t *data, std::size_t size) {
     (void)size;
 #endif
     return i;
+}
+
+// For eight units from data: bit k is set when unit k is ASCII white space (tab to carriage
+// return, or space); none when a unit is not ASCII.
+inline std::optional<unsigned> asciiWhiteSpaceMask8(const char16_t *data) {
+#if defined(__SSE2__)
+    __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(data));
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(short(0xFF80))),
+                                          _mm_setzero_si128())) != 0xFFFF)
+        return std::nullopt;
+    __m128i space = _mm_cmpeq_epi16(units, _mm_set1_epi16(u' '));
+    __m128i control = _mm_and_si128(_mm_cmpgt_epi16(units, _mm_set1_epi16(0x08)),
+                                    _mm_cmplt_epi16(units, _mm_set1_epi16(0x0E)));
+    __m128i white = _mm_or_si128(space, control);
+    return unsigned(_mm_movemask_epi8(_mm_packs_epi16(white, _mm_setzero_si128())));
+#else
+    unsigned mask = 0;
+    for (int k = 0; k < 8; ++k) {
+        if (data[k] >= 0x80)
+            return std::nullopt;
+        if (data[k] == u' ' || (data[k] >= 0x09 && data[k] <= 0x0D))
+            mask |= 1u << k;
+    }
+    return mask;
+#endif
 }
 
 // The first index at or after from whose unit is an ASCII capital or not ASCII, or text.size().

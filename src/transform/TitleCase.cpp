@@ -1,5 +1,6 @@
 #include "CaseRules.h"
 
+#include "FastScan.h"
 #include "TermMatcher.h"
 #include "TextModel.h"
 
@@ -54,8 +55,30 @@ template <typename Token> void forEachToken(std::u16string_view text, Token toke
 }
 
 std::size_t wordCount(std::u16string_view text) {
+    GraphemeCursor cursor(text);
+    const std::size_t size = text.size();
     std::size_t count = 0;
-    forEachToken(text, [&](std::size_t, std::size_t, bool) { ++count; });
+    bool inToken = false;
+    for (std::size_t i = 0; i < size;) {
+        // Eight ASCII characters that no mark follows are eight graphemes: count the places
+        // where a token begins among them all at once.
+        if (i + 8 <= size && (i + 8 == size || text[i + 8] < 0x300)) {
+            if (auto white = scan::asciiWhiteSpaceMask8(text.data() + i)) {
+                unsigned tokenUnits = ~*white & 0xFFu;
+                unsigned starts = tokenUnits & ~((tokenUnits << 1) | (inToken ? 1u : 0u));
+                count += std::size_t(__builtin_popcount(starts & 0xFFu));
+                inToken = (tokenUnits >> 7) & 1u;
+                i += 8;
+                continue;
+            }
+        }
+        std::size_t end = cursor.next(i);
+        bool white = text::isWhiteSpaceGrapheme(text.substr(i, end - i));
+        if (!white && !inToken)
+            ++count;
+        inToken = !white;
+        i = end;
+    }
     return count;
 }
 
