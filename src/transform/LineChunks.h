@@ -1,7 +1,6 @@
-// Runs a line-local transform over a long text on several cores. The text is cut after line
-// feeds (never inside a CR LF pair), each piece is transformed on its own thread, and the
-// results are joined in order. Only for steps whose result on a whole text equals the join of
-// their results on its lines.
+// Cutting long texts into line chunks that several cores work on. The text is cut after line
+// feeds (never inside a CR LF pair). Only for steps whose result on a whole text equals the
+// join of their results on its lines.
 #pragma once
 
 #include <cstddef>
@@ -19,11 +18,6 @@ void setParallelThresholdForTesting(std::size_t threshold);
 
 // The pieces a text of this length would be cut into (each ends after a line feed, but the last).
 std::vector<std::u16string_view> lineChunks(std::u16string_view text);
-
-// Transforms every chunk and joins the results.
-std::u16string
-transformLineChunks(std::u16string_view text,
-                    const std::function<void(std::u16string_view, std::u16string &)> &transform);
 
 // Whether no term can match across a line feed, so that terms are found line by line too.
 bool termsStayWithinLines(const std::vector<std::u16string> &terms);
