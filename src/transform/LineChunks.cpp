@@ -68,25 +68,4 @@ void runInParallel(std::size_t count, const std::function<void(std::size_t)> &wo
         thread.join();
 }
 
-std::u16string
-transformLineChunks(std::u16string_view text,
-                    const std::function<void(std::u16string_view, std::u16string &)> &transform) {
-    auto chunks = lineChunks(text);
-    if (chunks.size() == 1) {
-        std::u16string out;
-        transform(text, out);
-        return out;
-    }
-    std::vector<std::u16string> results(chunks.size());
-    runInParallel(chunks.size(), [&](std::size_t i) { transform(chunks[i], results[i]); });
-    std::size_t total = 0;
-    for (const auto &result : results)
-        total += result.size();
-    std::u16string out;
-    out.reserve(total);
-    for (const auto &result : results)
-        out.append(result);
-    return out;
-}
-
 } // namespace glyphmill
