@@ -65,6 +65,11 @@ std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass
         }
         std::size_t runEnd = i;
         std::size_t count = 0;
+        // ASCII members of the class first, then anything else.
+        while (runEnd < text.size() && text[runEnd] < 0x80 && inClass(text[runEnd])) {
+            ++runEnd;
+            ++count;
+        }
         while (runEnd < text.size()) {
             char32_t d = codePointAt(text, runEnd);
             if (!inClass(d))
@@ -178,8 +183,18 @@ std::u16string replaceRanges(std::u16string_view text, const std::vector<TextRan
     return out;
 }
 
-std::u16string capitalizeAllCapsWords(std::u16string_view text) {
-    return replaceRanges(text, findWords(text), [](std::u16string &out, std::u16string_view word) {
+// The words of a text and whether they still stand where they stood (see capitalizeAllCapsWords).
+struct WordsFound {
+    std::vector<TextRange> words;
+    bool stillValid = true;
+};
+
+// Capitalises the words in capitals. When every word it changed was ASCII, each changed word
+// kept its length and its letters, so the text's words are the same ranges afterwards and
+// words.stillValid spares the next step a search.
+std::u16string capitalizeAllCapsWords(std::u16string_view text, WordsFound &found) {
+    found.words = findWords(text);
+    return replaceRanges(text, found.words, [&](std::u16string &out, std::u16string_view word) {
         if (std::all_of(word.begin(), word.end(), [](char16_t unit) { return unit < 0x80; })) {
             // ASCII letters, one grapheme each.
             if (!std::all_of(word.begin(), word.end(), [](char16_t unit) { return unit <= u'Z'; }))
@@ -204,6 +219,7 @@ std::u16string capitalizeAllCapsWords(std::u16string_view text) {
         if (!anyAlphabetic)
             return false;
         text::appendCapitalizedWord(out, text::lowerMapped(word));
+        found.stillValid = false;
         return true;
     });
 }
@@ -223,10 +239,11 @@ bool gapStartsSentence(std::u16string_view gap) {
     return false;
 }
 
-std::u16string lowercaseMinorWords(std::u16string_view text) {
+std::u16string lowercaseMinorWords(std::u16string_view text, const WordsFound &found) {
     bool sentenceStart = true;
     std::size_t previousEnd = 0;
-    return replaceRanges(text, findWords(text), [&](std::u16string &out, std::u16string_view word) {
+    auto words = found.stillValid ? found.words : findWords(text);
+    return replaceRanges(text, words, [&](std::u16string &out, std::u16string_view word) {
         auto gapStart = previousEnd;
         auto wordStart = std::size_t(word.data() - text.data());
         previousEnd = wordStart + word.size();
@@ -363,6 +380,23 @@ std::u16string sentenceCase(std::u16string_view text) {
     return out;
 }
 
+enum class Correction { none, allCaps, shoutedRuns };
+
+std::u16string correctedSentences(std::u16string_view text, Correction correction) {
+    switch (correction) {
+    case Correction::allCaps: {
+        WordsFound words;
+        auto capitalized = capitalizeAllCapsWords(text, words);
+        return sentenceCase(lowercaseMinorWords(capitalized, words));
+    }
+    case Correction::shoutedRuns:
+        return sentenceCase(lowercaseShoutedRuns(text));
+    case Correction::none:
+        break;
+    }
+    return sentenceCase(text);
+}
+
 } // namespace
 
 std::u16string smartCaseText(std::u16string_view text, const std::vector<std::u16string> &terms,
@@ -375,23 +409,12 @@ std::u16string smartCaseText(std::u16string_view text, const std::vector<std::u1
         working = maskProtectedTerms(working, terms, masked.placeholders);
     // From here every step starts afresh at each line feed, so long texts go line chunk by
     // line chunk; only the all-caps test looks at the whole.
-    enum class Correction { none, allCaps, shoutedRuns } correction = Correction::none;
+    Correction correction = Correction::none;
     if (options.correctAllUppercaseProse)
         correction = isMostlyUppercase(working) ? Correction::allCaps : Correction::shoutedRuns;
-    return transformAndRestore(working, masked.placeholders, true,
-                               [&](std::u16string_view chunk, std::u16string &out) {
-                                   switch (correction) {
-                                   case Correction::allCaps:
-                                       out = sentenceCase(lowercaseMinorWords(capitalizeAllCapsWords(chunk)));
-                                       break;
-                                   case Correction::shoutedRuns:
-                                       out = sentenceCase(lowercaseShoutedRuns(chunk));
-                                       break;
-                                   case Correction::none:
-                                       out = sentenceCase(chunk);
-                                       break;
-                                   }
-                               });
+    return transformAndRestore(
+        working, masked.placeholders, true,
+        [&](std::u16string_view chunk, std::u16string &out) { out = correctedSentences(chunk, correction); });
 }
 
 bool looksAllCaps(std::u16string_view text) {
