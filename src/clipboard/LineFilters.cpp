@@ -1,0 +1,95 @@
+// The tools that keep only some lines: those a regular expression matches, and those that
+// contain a text.
+#include "clipboard/LineTools.h"
+
+#include "transform/TextModel.h"
+
+#include <unicode/regex.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <memory>
+
+namespace glyphmill::lineTools {
+
+namespace {
+
+void appendKeptLine(std::u16string &out, bool &hasKept, std::u16string_view line) {
+    if (hasKept)
+        out.push_back(text::lineFeed);
+    out.append(line);
+    hasKept = true;
+}
+
+// The caseless form of text::caselessForm, with ASCII lines lower-cased in place of the three
+// ICU passes.
+void assignCaselessForm(std::u16string &form, std::u16string_view line) {
+    form.clear();
+    for (char16_t unit : line) {
+        if (unit >= 0x80) {
+            form = text::caselessForm(line);
+            return;
+        }
+        form.push_back(unit >= u'A' && unit <= u'Z' ? char16_t(unit | 0x20) : unit);
+    }
+}
+
+// A match must not end inside a character: "e" is not found in a decomposed "é".
+bool containsWholeCharacters(std::u16string_view haystack, std::u16string_view needle) {
+    for (std::size_t at = haystack.find(needle); at != std::u16string_view::npos;
+         at = haystack.find(needle, at + 1)) {
+        std::size_t end = at + needle.size();
+        if (end == haystack.size() || u_getCombiningClass(UChar32(text::codePointAt(haystack, end))) == 0)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+std::optional<std::u16string> matchingLines(std::u16string_view pattern, std::u16string_view text) {
+    // Declared before the matcher, which refers to it until the matcher is gone.
+    icu::UnicodeString input;
+    UErrorCode status = U_ZERO_ERROR;
+    UParseError parseError;
+    std::unique_ptr<icu::RegexPattern> compiled(icu::RegexPattern::compile(
+        icu::UnicodeString(false, pattern.data(), int32_t(pattern.size())), 0, parseError, status));
+    if (U_FAILURE(status) || !compiled)
+        return std::nullopt;
+    std::unique_ptr<icu::RegexMatcher> matcher(compiled->matcher(status));
+    if (U_FAILURE(status) || !matcher)
+        return std::nullopt;
+
+    // Each line is its own input, so "^" and "$" anchor at the line without multi-line mode.
+    std::u16string result;
+    bool hasKept = false;
+    for (std::u16string_view line : breakLines(text).lines) {
+        input.setTo(false, line.data(), int32_t(line.size()));
+        UErrorCode lineStatus = U_ZERO_ERROR;
+        matcher->reset(input);
+        if (matcher->find(0, lineStatus) && U_SUCCESS(lineStatus))
+            appendKeptLine(result, hasKept, line);
+    }
+    return result;
+}
+
+// Case-insensitive containment in every locale: both sides are compared in their caseless form
+// (NFD of the full default case folding), so "ß" finds "SS" and composed and decomposed accents
+// meet. The same default folding serves every locale, the Turkish one included.
+std::u16string containingLines(std::u16string_view needle, std::u16string_view text) {
+    std::u16string needleForm;
+    assignCaselessForm(needleForm, needle);
+    std::u16string result;
+    if (needleForm.empty())
+        return result;
+    bool hasKept = false;
+    std::u16string lineForm;
+    for (std::u16string_view line : breakLines(text).lines) {
+        assignCaselessForm(lineForm, line);
+        if (containsWholeCharacters(lineForm, needleForm))
+            appendKeptLine(result, hasKept, line);
+    }
+    return result;
+}
+
+} // namespace glyphmill::lineTools

@@ -1,0 +1,317 @@
+// The choice lists, line breaking and assembly, and the tools that reshape lines one at a time.
+#include "clipboard/LineTools.h"
+
+#include "clipboard/TextClasses.h"
+#include "transform/FastScan.h"
+#include "transform/TextModel.h"
+
+namespace glyphmill::lineTools {
+
+using textClasses::trimmedWhiteSpace;
+
+namespace {
+
+constexpr char16_t lineFeed = text::lineFeed;
+constexpr char16_t space = u' ';
+constexpr char16_t bullet = u'\u2022';
+
+void appendDecimal(std::u16string &out, std::int64_t number) {
+    for (char digit : std::to_string(number))
+        out.push_back(char16_t(digit));
+}
+
+std::size_t totalSize(const std::vector<std::u16string_view> &lines) {
+    std::size_t size = lines.size();
+    for (std::u16string_view line : lines)
+        size += line.size();
+    return size;
+}
+
+// Zero-width characters that only get in the way of plain text.
+bool isRemovedInvisible(char16_t unit) {
+    return unit == u'\u200B' || unit == u'\u200C' || unit == u'\u200D' || unit == u'\uFEFF';
+}
+
+// Spaces of other widths and no-break spaces that read as an ordinary space.
+bool isSpaceLookalike(char16_t unit) {
+    return unit == u'\u00A0' || unit == u'\u1680' || (unit >= u'\u2000' && unit <= u'\u200A') ||
+           unit == u'\u202F' || unit == u'\u205F' || unit == u'\u3000';
+}
+
+// Runs of spaces become one space; then white space of any kind leaves the end of the line.
+void appendTidiedLine(std::u16string &out, std::u16string_view line) {
+    const std::size_t lineStart = out.size();
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == space && i > 0 && line[i - 1] == space)
+            continue;
+        out.push_back(line[i]);
+    }
+    std::size_t end = out.size();
+    while (end > lineStart) {
+        char32_t c = text::codePointBefore(std::u16string_view(out).substr(lineStart), end - lineStart);
+        if (!textClasses::hasWhiteSpaceProperty(c))
+            break;
+        end -= text::codeUnitCount(c);
+    }
+    out.resize(end);
+}
+
+} // namespace
+
+std::u16string_view choiceTitle(NumberingStyle style) {
+    switch (style) {
+    case NumberingStyle::period:
+        return u"1.  2.  3.";
+    case NumberingStyle::zeroPadded:
+        return u"01.  02.  03.";
+    case NumberingStyle::parenthesis:
+        return u"1)  2)  3)";
+    }
+    return {};
+}
+
+std::u16string numberLabel(NumberingStyle style, std::int64_t number) {
+    std::u16string label;
+    if (style == NumberingStyle::zeroPadded && number >= 0 && number < 10)
+        label.push_back(u'0');
+    appendDecimal(label, number);
+    label.push_back(style == NumberingStyle::parenthesis ? u')' : u'.');
+    return label;
+}
+
+std::u16string_view choiceTitle(JoinSeparator separator) {
+    switch (separator) {
+    case JoinSeparator::space:
+        return u"Space";
+    case JoinSeparator::comma:
+        return u"Comma (,)";
+    case JoinSeparator::commaSpace:
+        return u"Comma + space";
+    case JoinSeparator::semicolon:
+        return u"Semicolon (;)";
+    case JoinSeparator::pipe:
+        return u"Pipe (|)";
+    }
+    return {};
+}
+
+std::u16string_view separatorText(JoinSeparator separator) {
+    switch (separator) {
+    case JoinSeparator::space:
+        return u" ";
+    case JoinSeparator::comma:
+        return u",";
+    case JoinSeparator::commaSpace:
+        return u", ";
+    case JoinSeparator::semicolon:
+        return u";";
+    case JoinSeparator::pipe:
+        return u"|";
+    }
+    return {};
+}
+
+std::u16string_view choiceTitle(SplitDelimiter delimiter) {
+    switch (delimiter) {
+    case SplitDelimiter::comma:
+        return u"Comma (,)";
+    case SplitDelimiter::tab:
+        return u"Tab";
+    case SplitDelimiter::semicolon:
+        return u"Semicolon (;)";
+    case SplitDelimiter::custom:
+        return u"Custom\u2026";
+    }
+    return {};
+}
+
+std::optional<std::u16string_view> delimiterText(SplitDelimiter delimiter) {
+    switch (delimiter) {
+    case SplitDelimiter::comma:
+        return u",";
+    case SplitDelimiter::tab:
+        return u"\t";
+    case SplitDelimiter::semicolon:
+        return u";";
+    case SplitDelimiter::custom:
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::u16string_view choiceTitle(RegexPreset preset) {
+    switch (preset) {
+    case RegexPreset::email:
+        return u"Email address";
+    case RegexPreset::url:
+        return u"URL (http/https)";
+    case RegexPreset::containsAt:
+        return u"Contains @";
+    case RegexPreset::containsDigit:
+        return u"Contains a digit";
+    case RegexPreset::nonEmpty:
+        return u"Non-empty lines";
+    case RegexPreset::custom:
+        return u"Custom pattern\u2026";
+    }
+    return {};
+}
+
+std::optional<std::u16string_view> presetPattern(RegexPreset preset) {
+    switch (preset) {
+    case RegexPreset::email:
+        return u"[A-Z0-9a-z._%+-]+@[A-Za-z0-9.-]+\\.[A-Za-z]{2,}";
+    case RegexPreset::url:
+        return u"https?://\\S+";
+    case RegexPreset::containsAt:
+        return u"@";
+    case RegexPreset::containsDigit:
+        return u"\\d";
+    case RegexPreset::nonEmpty:
+        return u"\\S";
+    case RegexPreset::custom:
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+BrokenLines breakLines(std::u16string_view text) {
+    BrokenLines broken;
+    broken.endsWithLineBreak = !text.empty() && text.back() == lineFeed;
+    std::size_t start = 0;
+    while (true) {
+        std::size_t end = scan::findAnyOf(text, start, lineFeed);
+        broken.lines.push_back(text.substr(start, end - start));
+        if (end == text.size())
+            break;
+        start = end + 1;
+    }
+    if (broken.endsWithLineBreak && broken.lines.back().empty())
+        broken.lines.pop_back();
+    return broken;
+}
+
+std::u16string assembleLines(const std::vector<std::u16string_view> &lines, bool endsWithLineBreak) {
+    std::u16string result;
+    result.reserve(totalSize(lines));
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (i > 0)
+            result.push_back(lineFeed);
+        result.append(lines[i]);
+    }
+    if (endsWithLineBreak)
+        result.push_back(lineFeed);
+    return result;
+}
+
+std::u16string nonEmptyLines(std::u16string_view text) {
+    BrokenLines broken = breakLines(text);
+    std::erase_if(broken.lines, [](std::u16string_view line) { return trimmedWhiteSpace(line).empty(); });
+    return assembleLines(broken.lines, broken.endsWithLineBreak);
+}
+
+std::u16string numberedLines(std::u16string_view text, NumberingStyle style) {
+    const BrokenLines broken = breakLines(text);
+    std::u16string result;
+    result.reserve(text.size() + broken.lines.size() * 8);
+    for (std::size_t i = 0; i < broken.lines.size(); ++i) {
+        if (i > 0)
+            result.push_back(lineFeed);
+        std::u16string_view trimmed = trimmedWhiteSpace(broken.lines[i]);
+        if (trimmed.empty()) {
+            result.append(broken.lines[i]);
+            continue;
+        }
+        result.append(numberLabel(style, std::int64_t(i) + 1));
+        result.push_back(space);
+        result.append(trimmed);
+    }
+    if (broken.endsWithLineBreak)
+        result.push_back(lineFeed);
+    return result;
+}
+
+std::u16string bulletedLines(std::u16string_view text) {
+    const BrokenLines broken = breakLines(text);
+    std::u16string result;
+    result.reserve(text.size() + broken.lines.size() * 2);
+    for (std::size_t i = 0; i < broken.lines.size(); ++i) {
+        if (i > 0)
+            result.push_back(lineFeed);
+        std::u16string_view trimmed = trimmedWhiteSpace(broken.lines[i]);
+        if (trimmed.empty() || trimmed.front() == bullet) {
+            result.append(broken.lines[i]);
+            continue;
+        }
+        result.push_back(bullet);
+        result.push_back(space);
+        result.append(trimmed);
+    }
+    if (broken.endsWithLineBreak)
+        result.push_back(lineFeed);
+    return result;
+}
+
+std::u16string joinedLines(std::u16string_view text, std::u16string_view separator) {
+    std::u16string result;
+    bool first = true;
+    for (std::u16string_view line : breakLines(text).lines) {
+        if (trimmedWhiteSpace(line).empty())
+            continue;
+        if (!first)
+            result.append(separator);
+        result.append(line);
+        first = false;
+    }
+    return result;
+}
+
+std::u16string splitText(std::u16string_view text, std::u16string_view delimiter) {
+    std::u16string result;
+    result.reserve(text.size());
+    std::size_t start = 0;
+    while (true) {
+        std::size_t end = delimiter.empty() ? std::u16string_view::npos : text.find(delimiter, start);
+        if (end == std::u16string_view::npos) {
+            result.append(trimmedWhiteSpace(text.substr(start)));
+            return result;
+        }
+        result.append(trimmedWhiteSpace(text.substr(start, end - start)));
+        result.push_back(lineFeed);
+        start = end + delimiter.size();
+    }
+}
+
+std::u16string fixedWhitespace(std::u16string_view text) {
+    std::u16string plain;
+    plain.reserve(text.size());
+    for (char16_t unit : textClasses::normalizeLineBreaks(text)) {
+        if (isRemovedInvisible(unit))
+            continue;
+        plain.push_back(isSpaceLookalike(unit) || unit == textClasses::tab ? space : unit);
+    }
+
+    std::u16string result;
+    result.reserve(plain.size());
+    std::u16string line;
+    bool previousWasBlank = false;
+    bool hasLines = false;
+    for (std::u16string_view rawLine : breakLines(plain).lines) {
+        line.clear();
+        appendTidiedLine(line, rawLine);
+        const bool isBlankLine = trimmedWhiteSpace(line).empty();
+        if (!isBlankLine || (!previousWasBlank && hasLines)) {
+            if (hasLines)
+                result.push_back(lineFeed);
+            if (!isBlankLine)
+                result.append(line);
+            hasLines = true;
+        }
+        previousWasBlank = isBlankLine;
+    }
+    std::u16string_view kept = textClasses::trimmedWhiteSpaceAndLineBreaks(result);
+    const std::size_t keptStart = std::size_t(kept.data() - result.data());
+    return result.substr(keptStart, kept.size());
+}
+
+} // namespace glyphmill::lineTools
