@@ -1,0 +1,157 @@
+// Fuzzes TextTransformer::apply. Input layout: one byte for the kind, one byte of protection
+// switches, then UTF-16 code units: a byte below 0x80 is that ASCII unit, a byte from 0x80 up is
+// followed by two bytes that form one raw unit (lone surrogates included). U+0000 units cut the
+// units into the text and up to three protected terms.
+//
+// Checks: links and e-mail addresses found in the input come out unchanged, and short inputs give
+// exactly what the reference transformer gives.
+#include "reference/ReferenceTransformer.h"
+#include "transform/TextTransformer.h"
+
+#include <unicode/regex.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using glyphmill::TextProtectionOptions;
+using glyphmill::TextTransformKind;
+
+constexpr std::size_t maximumTerms = 3;
+constexpr std::size_t longestTextComparedWithReference = 300;
+
+struct FuzzInput {
+    TextTransformKind kind;
+    TextProtectionOptions options;
+    std::u16string text;
+    std::vector<std::u16string> terms;
+};
+
+FuzzInput decode(const std::uint8_t *data, std::size_t size) {
+    FuzzInput input{glyphmill::allTextTransformKinds[data[0] % 5], {}, {}, {}};
+    std::uint8_t switches = data[1];
+    TextProtectionOptions &o = input.options;
+    bool *fields[] = {&o.preserveProtectedTerms,
+                      &o.preserveURLs,
+                      &o.preserveEmails,
+                      &o.preserveFilePaths,
+                      &o.preserveHashtagsAndMentions,
+                      &o.preserveCodeLikeTokens,
+                      &o.correctAllUppercaseProse};
+    for (std::size_t bit = 0; bit < 7; ++bit)
+        *fields[bit] = (switches >> bit) & 1;
+
+    std::u16string *current = &input.text;
+    for (std::size_t i = 2; i < size; ++i) {
+        char16_t unit = data[i];
+        if (data[i] >= 0x80) {
+            if (i + 2 >= size)
+                break;
+            unit = static_cast<char16_t>(data[i + 1] | (data[i + 2] << 8));
+            i += 2;
+        }
+        if (unit == 0) {
+            if (input.terms.size() == maximumTerms)
+                break;
+            current = &input.terms.emplace_back();
+            continue;
+        }
+        current->push_back(unit);
+    }
+    return input;
+}
+
+std::string escaped(std::u16string_view text) {
+    std::string out;
+    char buffer[12];
+    for (char16_t unit : text) {
+        if (unit >= 0x20 && unit < 0x7F && unit != '\\') {
+            out.push_back(static_cast<char>(unit));
+        } else {
+            std::snprintf(buffer, sizeof buffer, "\\u%04X", static_cast<unsigned>(unit));
+            out += buffer;
+        }
+    }
+    return out;
+}
+
+[[noreturn]] void fail(const char *what, const FuzzInput &input, std::u16string_view detail,
+                       std::u16string_view output) {
+    std::fprintf(stderr, "%s\nkind %d\ntext   \"%s\"\n", what, static_cast<int>(input.kind),
+                 escaped(input.text).c_str());
+    for (const auto &term : input.terms)
+        std::fprintf(stderr, "term   \"%s\"\n", escaped(term).c_str());
+    std::fprintf(stderr, "detail \"%s\"\noutput \"%s\"\n", escaped(detail).c_str(), escaped(output).c_str());
+    std::abort();
+}
+
+struct Span {
+    std::int32_t start;
+    std::int32_t end;
+};
+
+// Matches of a pattern over the original text; the patterns are those of the span detectors.
+std::vector<Span> matchesOf(const char16_t *pattern, std::uint32_t flags, const std::u16string &text) {
+    UErrorCode status = U_ZERO_ERROR;
+    UParseError parseError{};
+    std::unique_ptr<icu::RegexPattern> compiled(
+        icu::RegexPattern::compile(icu::UnicodeString(pattern), flags, parseError, status));
+    icu::UnicodeString subject(text.data(), static_cast<int32_t>(text.size()));
+    std::unique_ptr<icu::RegexMatcher> matcher(compiled->matcher(subject, status));
+    std::vector<Span> spans;
+    while (U_SUCCESS(status) && matcher->find(status))
+        spans.push_back({matcher->start(status), matcher->end(status)});
+    return spans;
+}
+
+void expectPresent(const FuzzInput &input, const std::u16string &output, Span span, const char *what) {
+    std::u16string_view found(input.text.data() + span.start,
+                              static_cast<std::size_t>(span.end - span.start));
+    if (found.find(u'\uE000') != std::u16string_view::npos)
+        return; // such a match is never masked
+    if (output.find(found) == std::u16string::npos)
+        fail(what, input, found, output);
+}
+
+void checkLinksAndAddressesSurvive(const FuzzInput &input, const std::u16string &output) {
+    std::vector<Span> links;
+    if (input.options.preserveURLs) {
+        links = matchesOf(uR"re((?i)\b(?:https?://|www\.)[^\s<>'\"]+)re", 0, input.text);
+        for (Span link : links)
+            expectPresent(input, output, link, "link changed");
+    }
+    if (!input.options.preserveEmails)
+        return;
+    for (Span address :
+         matchesOf(uR"re([A-Z0-9._%+\-]+@[A-Z0-9.\-]+\.[A-Z]{2,})re", UREGEX_CASE_INSENSITIVE, input.text)) {
+        // An address that overlaps a link is masked as part of the link, or cut short by it.
+        bool overlapsLink = false;
+        for (Span link : links)
+            overlapsLink = overlapsLink || (address.start < link.end && link.start < address.end);
+        if (!overlapsLink)
+            expectPresent(input, output, address, "e-mail address changed");
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    if (size < 2)
+        return 0;
+    FuzzInput input = decode(data, size);
+    std::u16string output =
+        glyphmill::TextTransformer{input.terms, input.options}.apply(input.kind, input.text);
+    checkLinksAndAddressesSurvive(input, output);
+    if (input.text.size() < longestTextComparedWithReference) {
+        std::u16string expected =
+            glyphmill::reference::apply(input.kind, input.text, input.terms, input.options);
+        if (expected != output)
+            fail("differs from the reference", input, expected, output);
+    }
+    return 0;
+}
