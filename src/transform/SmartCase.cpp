@@ -51,10 +51,11 @@ bool isUppercaseLetter(char32_t c) {
 }
 
 // All matches of \b[class]{minimum,}\b, as ICU's engine finds them left to right.
-// skipTo(text, i) gives the first position at or after i where a run could start.
-template <typename InClass, typename SkipTo>
+// skipTo(text, i) gives the first position at or after i where a run could start;
+// asciiRunEnd(text, i) the end of the run of ASCII class members from i.
+template <typename InClass, typename SkipTo, typename AsciiRunEnd>
 std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass, std::size_t minimum,
-                                       SkipTo skipTo) {
+                                       SkipTo skipTo, AsciiRunEnd asciiRunEnd) {
     std::vector<TextRange> matches;
     std::size_t i = 0;
     while ((i = skipTo(text, i)) < text.size()) {
@@ -66,10 +67,8 @@ std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass
         std::size_t runEnd = i;
         std::size_t count = 0;
         // ASCII members of the class first, then anything else.
-        while (runEnd < text.size() && text[runEnd] < 0x80 && inClass(text[runEnd])) {
-            ++runEnd;
-            ++count;
-        }
+        runEnd = asciiRunEnd(text, runEnd);
+        count = runEnd - i;
         while (runEnd < text.size()) {
             char32_t d = codePointAt(text, runEnd);
             if (!inClass(d))
@@ -98,12 +97,18 @@ std::vector<TextRange> findBoundedRuns(std::u16string_view text, InClass inClass
 
 std::vector<TextRange> findWords(std::u16string_view text) {
     return findBoundedRuns(
-        text, [](char32_t c) { return isLetter(c); }, 1,
-        [](std::u16string_view, std::size_t i) { return i; });
+        text, [](char32_t c) { return isLetter(c); }, 1, [](std::u16string_view, std::size_t i) { return i; },
+        scan::findNonAsciiLetter);
 }
 std::vector<TextRange> findShoutedRuns(std::u16string_view text) {
+    auto capitalRunEnd = [](std::u16string_view run, std::size_t i) {
+        while (i < run.size() && run[i] >= u'A' && run[i] <= u'Z')
+            ++i;
+        return i;
+    };
     return findBoundedRuns(
-        text, [](char32_t c) { return isUppercaseLetter(c); }, 2, scan::findAsciiCapitalOrNonAscii);
+        text, [](char32_t c) { return isUppercaseLetter(c); }, 2, scan::findAsciiCapitalOrNonAscii,
+        capitalRunEnd);
 }
 
 struct LetterCounts {
