@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 #include "cli/Failure.h"
 #include "cli/Help.h"
+#include "cli/HugePages.h"
 #include "cli/InputOutput.h"
 
 #include <malloc.h>
@@ -14,7 +15,7 @@ using namespace glyphmill::cli;
 
 namespace {
 
-ExitStatus run(std::span<const char *const> arguments) {
+ExitStatus run(std::span<const char *const> arguments, char **argv) {
     Invocation invocation = parseArguments(arguments);
     if (auto *help = std::get_if<ShowHelp>(&invocation)) {
         writeStandardOutput(helpText(help->topic));
@@ -24,8 +25,11 @@ ExitStatus run(std::span<const char *const> arguments) {
         writeStandardOutput(versionText());
         return ExitStatus::success;
     }
-    if (auto *transform = std::get_if<TransformRequest>(&invocation))
+    if (auto *transform = std::get_if<TransformRequest>(&invocation)) {
+        if (transform->file)
+            restartOnHugePagesForLargeFile(argv, *transform->file);
         return runTransform(*transform);
+    }
     return runTerms(std::get<TermsRequest>(invocation));
 }
 
@@ -39,7 +43,7 @@ int main(int argc, char **argv) {
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
     try {
-        return static_cast<int>(run({argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)}));
+        return static_cast<int>(run({argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)}, argv));
     } catch (const Failure &failure) {
         writeDiagnostic(failure.message);
         return static_cast<int>(failure.status);

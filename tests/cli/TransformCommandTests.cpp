@@ -58,7 +58,8 @@ TEST_F(TransformCommand, ReadsTextFromArgumentStandardInputOrFileAndAddsNothing)
 
 TEST_F(TransformCommand, LargeInputsComeBackWhole) {
     std::string input, expected;
-    while (input.size() < (3u << 20)) {
+    // Over 4 MB, so that reading it from a file restarts the program on huge pages first.
+    while (input.size() < (5u << 20)) {
         input += "the quick brown fox jumps over the lazy dog, \xC3\xA9t\xC3\xA9\n";
         expected += "THE QUICK BROWN FOX JUMPS OVER THE LAZY DOG, \xC3\x89T\xC3\x89\n";
     }
