@@ -108,30 +108,10 @@ inline std::size_t findAsciiCapitalOrNonAscii(std::u16string_view text, std::siz
     return size;
 }
 
-// The first index at or after from whose unit is not an ASCII letter, or text.size().
-inline std::size_t findNonAsciiLetter(std::u16string_view text, std::size_t from) {
-    const std::size_t size = text.size();
-    const char16_t *data = text.data();
-    std::size_t i = from;
-#if defined(__SSE2__)
-    const __m128i caseBit = _mm_set1_epi16(0x20);
-    const __m128i beforeA = _mm_set1_epi16(u'a' - 1), afterZ = _mm_set1_epi16(u'z' + 1);
-    for (; i + 8 <= size; i += 8) {
-        __m128i folded = _mm_or_si128(_mm_loadu_si128(reinterpret_cast<const __m128i *>(data + i)), caseBit);
-        __m128i letter = _mm_and_si128(_mm_cmpgt_epi16(folded, beforeA), _mm_cmplt_epi16(folded, afterZ));
-        int mask = _mm_movemask_epi8(letter);
-        if (mask != 0xFFFF)
-            return i + std::size_t(__builtin_ctz(unsigned(~mask & 0xFFFF)) / 2);
-    }
-#endif
-    for (; i < size; ++i)
-        if ((data[i] | 0x20) < u'a' || (data[i] | 0x20) > u'z')
-            return i;
-    return size;
-}
-
-// The first index at or after from whose unit is not an ASCII letter or digit, or text.size().
-inline std::size_t findNonAsciiAlphanumeric(std::u16string_view text, std::size_t from) {
+// The first index at or after from whose unit is not an ASCII letter (nor, withDigits, an
+// ASCII digit), or text.size().
+template <bool withDigits>
+inline std::size_t findOutsideAsciiWord(std::u16string_view text, std::size_t from) {
     const std::size_t size = text.size();
     const char16_t *data = text.data();
     std::size_t i = from;
@@ -142,21 +122,31 @@ inline std::size_t findNonAsciiAlphanumeric(std::u16string_view text, std::size_
     for (; i + 8 <= size; i += 8) {
         __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(data + i));
         __m128i folded = _mm_or_si128(units, caseBit);
-        __m128i letter = _mm_and_si128(_mm_cmpgt_epi16(folded, beforeA), _mm_cmplt_epi16(folded, afterZ));
-        __m128i digit = _mm_and_si128(_mm_cmpgt_epi16(units, before0), _mm_cmplt_epi16(units, after9));
-        int mask = _mm_movemask_epi8(_mm_or_si128(letter, digit));
+        __m128i inside = _mm_and_si128(_mm_cmpgt_epi16(folded, beforeA), _mm_cmplt_epi16(folded, afterZ));
+        if constexpr (withDigits)
+            inside = _mm_or_si128(
+                inside, _mm_and_si128(_mm_cmpgt_epi16(units, before0), _mm_cmplt_epi16(units, after9)));
+        int mask = _mm_movemask_epi8(inside);
         if (mask != 0xFFFF)
             return i + std::size_t(__builtin_ctz(unsigned(~mask & 0xFFFF)) / 2);
     }
 #endif
     for (; i < size; ++i) {
         char16_t unit = data[i];
-        bool alphanumeric =
-            ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z') || (unit >= u'0' && unit <= u'9');
-        if (!alphanumeric)
+        bool inside = (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z';
+        if constexpr (withDigits)
+            inside = inside || (unit >= u'0' && unit <= u'9');
+        if (!inside)
             return i;
     }
     return size;
+}
+
+inline std::size_t findNonAsciiLetter(std::u16string_view text, std::size_t from) {
+    return findOutsideAsciiWord<false>(text, from);
+}
+inline std::size_t findNonAsciiAlphanumeric(std::u16string_view text, std::size_t from) {
+    return findOutsideAsciiWord<true>(text, from);
 }
 
 } // namespace glyphmill::scan
