@@ -1,6 +1,8 @@
 #include "cli/Arguments.h"
 
+#include "cli/ArgumentScanner.h"
 #include "cli/Failure.h"
+#include "cli/LinesArguments.h"
 #include "cli/ProtectionSwitches.h"
 #include "transform/Utf8.h"
 
@@ -35,77 +37,6 @@ constexpr std::array<TermsActionName, 4> termsActionNames = {{
     {"remove", TermsAction::remove, HelpTopic::termsRemove},
     {"restore-defaults", TermsAction::restoreDefaults, HelpTopic::termsRestoreDefaults},
 }};
-
-// Walks one level's arguments: options until "--", positionals anywhere. Mistakes are kept, not
-// thrown at once, so that a --help later on the line still shows the help.
-class Scanner {
-public:
-    explicit Scanner(std::span<const char *const> arguments) : arguments_(arguments) {}
-
-    struct Token {
-        bool isOption;
-        std::string_view text;                       // the option's name with its dashes, or the positional
-        std::optional<std::string_view> inlineValue; // after "=" in "--name=value"
-    };
-
-    std::optional<Token> next() {
-        while (index_ < arguments_.size()) {
-            std::string_view argument = arguments_[index_++];
-            if (optionsEnded_ || argument == "-" || !argument.starts_with('-'))
-                return Token{false, argument, std::nullopt};
-            if (argument == "--") {
-                optionsEnded_ = true;
-                continue;
-            }
-            auto equals = argument.find('=');
-            if (argument.starts_with("--") && equals != std::string_view::npos)
-                return Token{true, argument.substr(0, equals), argument.substr(equals + 1)};
-            return Token{true, argument, std::nullopt};
-        }
-        return std::nullopt;
-    }
-
-    // The option's value: inline after "=", or the next argument whatever it looks like.
-    std::optional<std::string_view> value(const Token &option) {
-        if (option.inlineValue)
-            return option.inlineValue;
-        if (index_ < arguments_.size())
-            return std::string_view(arguments_[index_++]);
-        noteMistake("option " + std::string(option.text) + " needs a value");
-        return std::nullopt;
-    }
-
-    // Help, version or a mistake for an option every level shares; false if the option is another.
-    bool takeCommonOption(const Token &option) {
-        if (option.text == "--help" || option.text == "-h")
-            wantsHelp = true;
-        else if (option.text == "--version")
-            wantsVersion = true;
-        else
-            return false;
-        if (option.inlineValue)
-            noteMistake("option " + std::string(option.text) + " takes no value");
-        return true;
-    }
-
-    void noteUnknownOption(const Token &option) {
-        noteMistake("unknown option " + quoted(option.text) + " (see --help)");
-    }
-
-    void noteMistake(std::string message) {
-        if (!mistake)
-            mistake = std::move(message);
-    }
-
-    bool wantsHelp = false;
-    bool wantsVersion = false;
-    std::optional<std::string> mistake;
-
-private:
-    std::span<const char *const> arguments_;
-    std::size_t index_ = 0;
-    bool optionsEnded_ = false;
-};
 
 std::optional<TextTransformKind> kindNamed(std::string_view name) {
     for (const auto &entry : kindNames)
@@ -272,13 +203,22 @@ Invocation parseArguments(std::span<const char *const> arguments) {
         return parseTransform(rest);
     if (command == "terms")
         return parseTerms(rest);
+    if (command == "lines")
+        return parseLines(rest);
+    if (command == "html-to-text")
+        return parseTextCommand(TextCommand::htmlToText, rest);
+    if (command == "rtf-to-text")
+        return parseTextCommand(TextCommand::rtfToText, rest);
+    if (command == "stats")
+        return parseTextCommand(TextCommand::stats, rest);
     if (command == "--help" || command == "-h")
         return ShowHelp{HelpTopic::overview};
     if (command == "--version")
         return ShowVersion{};
     if (command.starts_with('-'))
         failUsage("unknown option " + quoted(command) + " (see glyphmill --help)");
-    failUsage("unknown command " + quoted(command) + " (expected transform or terms)");
+    failUsage("unknown command " + quoted(command) +
+              " (expected transform, terms, lines, html-to-text, rtf-to-text or stats)");
 }
 
 } // namespace glyphmill::cli

@@ -1,6 +1,7 @@
 // What the user asked for on the command line, checked but not yet acted on.
 #pragma once
 
+#include "clipboard/LineTools.h"
 #include "transform/TextTransformer.h"
 
 #include <optional>
@@ -11,10 +12,38 @@
 
 namespace glyphmill::cli {
 
-enum class HelpTopic { overview, transform, terms, termsList, termsAdd, termsRemove, termsRestoreDefaults };
+enum class HelpTopic {
+    overview,
+    transform,
+    terms,
+    termsList,
+    termsAdd,
+    termsRemove,
+    termsRestoreDefaults,
+    lines,
+    linesTool, // the help of ShowHelp::linesTool
+    htmlToText,
+    rtfToText,
+    stats,
+};
+
+enum class LinesTool {
+    sort,
+    removeDuplicates,
+    removeEmpty,
+    bullet,
+    fixWhitespace,
+    number,
+    join,
+    split,
+    matching,
+    containing,
+    replace,
+};
 
 struct ShowHelp {
     HelpTopic topic;
+    LinesTool linesTool = LinesTool::sort; // for HelpTopic::linesTool
 };
 
 struct ShowVersion {};
@@ -48,7 +77,34 @@ struct TermsRequest {
     std::string text; // for add and remove, as given
 };
 
-using Invocation = std::variant<ShowHelp, ShowVersion, TransformRequest, TermsRequest>;
+// Where a command's text comes from: --text, a FILE, or standard input when neither is given.
+struct InputSource {
+    std::optional<std::string> text; // as given (UTF-8 not yet checked)
+    std::optional<std::string> file;
+};
+
+struct LinesRequest {
+    LinesTool tool = LinesTool::sort;
+    InputSource input;
+    lineTools::NumberingStyle numberingStyle = lineTools::NumberingStyle::period;
+    lineTools::JoinSeparator joinSeparator = lineTools::JoinSeparator::space;
+    lineTools::SplitDelimiter splitDelimiter = lineTools::SplitDelimiter::comma;
+    lineTools::RegexPreset regexPreset = lineTools::RegexPreset::custom;
+    // As given: the custom delimiter or pattern, the needle, or the text to find.
+    std::string customText;
+    std::string replacement;
+    bool matchCase = false;
+};
+
+enum class TextCommand { htmlToText, rtfToText, stats };
+
+struct TextCommandRequest {
+    TextCommand command = TextCommand::stats;
+    InputSource input;
+};
+
+using Invocation =
+    std::variant<ShowHelp, ShowVersion, TransformRequest, TermsRequest, LinesRequest, TextCommandRequest>;
 
 // The arguments after the program name. Throws Failure (usage) on anything it cannot accept;
 // --help and --version win over such mistakes, so a confused user can still reach the help.

@@ -1,4 +1,4 @@
-// The two commands; each returns the exit status or throws Failure.
+// The commands; each returns the exit status or throws Failure.
 #pragma once
 
 #include "cli/Arguments.h"
@@ -8,5 +8,7 @@ namespace glyphmill::cli {
 
 ExitStatus runTransform(const TransformRequest &request);
 ExitStatus runTerms(const TermsRequest &request);
+ExitStatus runLines(const LinesRequest &request);
+ExitStatus runTextCommand(const TextCommandRequest &request);
 
 } // namespace glyphmill::cli

@@ -21,14 +21,18 @@ exactly as they are written.
 Commands:
   transform KIND [FILE]   transform text and write it to standard output
   terms ACTION            list or edit your protected terms
+  lines TOOL [FILE]       sort, number, join, split, filter or edit lines
+  html-to-text [FILE]     the visible text of an HTML document
+  rtf-to-text [FILE]      the visible text of an RTF document
+  stats [FILE]            count the lines, words and characters
 
 Options:
   -h, --help              show this help (also after any command)
   --version               show the version
 
-Exit status: 0 done, 64 wrong usage, 65 text that is not valid UTF-8,
-66 input that cannot be read, 73 preferences that cannot be saved,
-74 output that cannot be written.
+Exit status: 0 done, 64 wrong usage, 65 text that is not valid UTF-8 (or a
+refused delimiter, pattern, HTML or RTF document), 66 input that cannot be
+read, 73 preferences that cannot be saved, 74 output that cannot be written.
 )";
 
 constexpr std::string_view transformHelpStart =
@@ -101,6 +105,97 @@ Replaces your protected terms by the built-in list, dropping every term you
 added.
 )";
 
+constexpr std::string_view linesHelp =
+    R"(Usage: glyphmill lines TOOL [ARGUMENTS] [FILE] [OPTIONS]
+
+Reshapes FILE, standard input (no FILE, or "-"), or the --text argument line
+by line, and writes the result to standard output. Lines end at LF; a CR stays
+part of its line. The text must be UTF-8.
+
+Tools:
+  sort                     sort the lines
+  remove-duplicates        keep the first of equal lines
+  remove-empty             drop the empty lines
+  bullet                   put a bullet before every line
+  fix-whitespace           repair white space
+  number --style STYLE     number the lines: period, zero-padded, parenthesis
+  join --separator SEP     join the lines: space, comma, comma-space,
+                           semicolon or pipe
+  split --delimiter DELIM  one line per piece: comma, tab, semicolon or any
+                           other text (trimmed)
+  matching --preset NAME   keep the lines that match: email, url, contains-at,
+                           contains-digit or non-empty
+  matching --pattern RE    keep the lines that match the regular expression
+  containing TEXT          keep the lines that contain TEXT (trimmed)
+  replace FIND REPLACEMENT replace FIND everywhere; add --match-case to
+                           respect letter case
+
+Options:
+  --text TEXT              use TEXT instead of reading input
+  -h, --help               show this help (also after a tool)
+  --version                show the version
+  --                       end of options
+)";
+
+struct LinesToolHelp {
+    LinesTool tool;
+    std::string_view text;
+};
+
+constexpr LinesToolHelp linesToolHelps[] = {
+    {LinesTool::sort, "Usage: glyphmill lines sort [FILE] [--text TEXT]\n\nSorts the lines.\n"},
+    {LinesTool::removeDuplicates, "Usage: glyphmill lines remove-duplicates [FILE] [--text TEXT]\n\n"
+                                  "Keeps the first of every group of equal lines.\n"},
+    {LinesTool::removeEmpty,
+     "Usage: glyphmill lines remove-empty [FILE] [--text TEXT]\n\nDrops the empty lines.\n"},
+    {LinesTool::bullet,
+     "Usage: glyphmill lines bullet [FILE] [--text TEXT]\n\nPuts a bullet before every line.\n"},
+    {LinesTool::fixWhitespace, "Usage: glyphmill lines fix-whitespace [FILE] [--text TEXT]\n\n"
+                               "Collapses runs of spaces and trims the ends of lines.\n"},
+    {LinesTool::number, "Usage: glyphmill lines number [--style period|zero-padded|parenthesis] [FILE]\n\n"
+                        "Numbers the lines as 7., 07. or 7); period unless --style says otherwise.\n"},
+    {LinesTool::join,
+     "Usage: glyphmill lines join [--separator space|comma|comma-space|semicolon|pipe] [FILE]\n\n"
+     "Joins the lines into one; space unless --separator says otherwise.\n"},
+    {LinesTool::split, "Usage: glyphmill lines split [--delimiter comma|tab|semicolon|TEXT] [FILE]\n\n"
+                       "Puts every piece between delimiters on its own line; comma unless\n"
+                       "--delimiter says otherwise. Another TEXT is trimmed of white space.\n"},
+    {LinesTool::matching, "Usage: glyphmill lines matching (--preset NAME | --pattern PATTERN) [FILE]\n\n"
+                          "Keeps the lines that match. Presets: email, url, contains-at, contains-digit,\n"
+                          "non-empty. A PATTERN is an ICU regular expression, trimmed of white space.\n"},
+    {LinesTool::containing, "Usage: glyphmill lines containing [--] TEXT [FILE]\n\n"
+                            "Keeps the lines that contain TEXT, trimmed of white space.\n"},
+    {LinesTool::replace, "Usage: glyphmill lines replace [--match-case] [--] FIND REPLACEMENT [FILE]\n\n"
+                         "Replaces every FIND, exactly as typed, by REPLACEMENT, ignoring letter case\n"
+                         "unless --match-case is given. An empty FIND changes nothing.\n"},
+};
+
+constexpr std::string_view htmlToTextHelp = R"(Usage: glyphmill html-to-text [FILE] [--text TEXT]
+
+Writes the text a reader of the HTML document sees, with LF line breaks. The
+document's encoding is UTF-8 unless a byte order mark or a <meta> charset says
+otherwise.
+)";
+
+constexpr std::string_view rtfToTextHelp = R"(Usage: glyphmill rtf-to-text [FILE] [--text TEXT]
+
+Writes the text a reader of the RTF document sees: LF after each paragraph,
+TAB between table cells.
+)";
+
+constexpr std::string_view statsHelp = R"(Usage: glyphmill stats [FILE] [--text TEXT]
+
+Writes one line with the counts of lines, words and characters (as a reader
+counts them) of the UTF-8 text.
+)";
+
+std::string linesToolHelp(LinesTool tool) {
+    for (const auto &entry : linesToolHelps)
+        if (entry.tool == tool)
+            return std::string(entry.text);
+    return std::string(linesHelp);
+}
+
 std::string transformHelp() {
     std::string text(transformHelpStart);
     for (const auto &entry : protectionSwitches) {
@@ -115,7 +210,8 @@ std::string transformHelp() {
 
 } // namespace
 
-std::string helpText(HelpTopic topic) {
+std::string helpText(const ShowHelp &request) {
+    const HelpTopic topic = request.topic;
     switch (topic) {
     case HelpTopic::overview:
         return std::string(overviewHelp);
@@ -131,6 +227,16 @@ std::string helpText(HelpTopic topic) {
         return std::string(termsRemoveHelp);
     case HelpTopic::termsRestoreDefaults:
         return std::string(termsRestoreDefaultsHelp);
+    case HelpTopic::lines:
+        return std::string(linesHelp);
+    case HelpTopic::linesTool:
+        return linesToolHelp(request.linesTool);
+    case HelpTopic::htmlToText:
+        return std::string(htmlToTextHelp);
+    case HelpTopic::rtfToText:
+        return std::string(rtfToTextHelp);
+    case HelpTopic::stats:
+        return std::string(statsHelp);
     }
     return std::string(overviewHelp);
 }

@@ -7,7 +7,7 @@
 
 namespace glyphmill::cli {
 
-std::string helpText(HelpTopic topic);
+std::string helpText(const ShowHelp &request);
 std::string versionText(); // "glyphmill VERSION (build N)" and a line break
 
 } // namespace glyphmill::cli

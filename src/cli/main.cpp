@@ -1,4 +1,4 @@
-// glyphmill: case transforms and the protected terms, from the command line.
+// glyphmill: case transforms, the protected terms and the line tools, from the command line.
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
 #include "cli/Failure.h"
@@ -18,7 +18,7 @@ namespace {
 ExitStatus run(std::span<const char *const> arguments, char **argv) {
     Invocation invocation = parseArguments(arguments);
     if (auto *help = std::get_if<ShowHelp>(&invocation)) {
-        writeStandardOutput(helpText(help->topic));
+        writeStandardOutput(helpText(*help));
         return ExitStatus::success;
     }
     if (std::holds_alternative<ShowVersion>(invocation)) {
@@ -30,6 +30,10 @@ ExitStatus run(std::span<const char *const> arguments, char **argv) {
             restartOnHugePagesForLargeFile(argv, *transform->file);
         return runTransform(*transform);
     }
+    if (auto *lines = std::get_if<LinesRequest>(&invocation))
+        return runLines(*lines);
+    if (auto *textCommand = std::get_if<TextCommandRequest>(&invocation))
+        return runTextCommand(*textCommand);
     return runTerms(std::get<TermsRequest>(invocation));
 }
 

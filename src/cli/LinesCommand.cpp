@@ -1,0 +1,148 @@
+#include "cli/Commands.h"
+
+#include "cli/InputOutput.h"
+#include "clipboard/HtmlText.h"
+#include "clipboard/RtfReader.h"
+#include "clipboard/TextClasses.h"
+#include "clipboard/TextStatistics.h"
+#include "transform/Utf8.h"
+
+namespace glyphmill::cli {
+namespace {
+
+using namespace lineTools;
+
+InputBytes inputBytes(const InputSource &source) {
+    return source.file ? InputBytes::fromFile(*source.file) : InputBytes::fromStandardInput();
+}
+
+std::u16string readText(const InputSource &source) {
+    if (source.text)
+        return decodeText(*source.text, "input");
+    return decodeText(inputBytes(source).bytes(), "input");
+}
+
+// A typed argument loses the white space around it; nothing left is refused with the message.
+std::u16string trimmedArgument(const std::string &argument, std::string_view what, const char *blankMessage) {
+    std::u16string text(textClasses::trimmedWhiteSpaceAndLineBreaks(decodeText(argument, what)));
+    if (text.empty())
+        fail(ExitStatus::invalidText, blankMessage);
+    return text;
+}
+
+std::u16string splitDelimiter(const LinesRequest &request) {
+    if (auto named = delimiterText(request.splitDelimiter))
+        return std::u16string(*named);
+    return trimmedArgument(request.customText, "the delimiter", "Enter a delimiter.");
+}
+
+std::u16string regexPattern(const LinesRequest &request) {
+    std::u16string pattern =
+        request.regexPreset == RegexPreset::custom
+            ? trimmedArgument(request.customText, "the pattern", "Enter a regex pattern.")
+            : std::u16string(*presetPattern(request.regexPreset));
+    // Checked on an empty text so that a bad pattern is refused before the input is read.
+    if (!matchingLines(pattern, u""))
+        fail(ExitStatus::invalidText, "Invalid regular expression.");
+    return pattern;
+}
+
+} // namespace
+
+ExitStatus runLines(const LinesRequest &request) {
+    // Arguments are checked before a possibly long input is read.
+    std::u16string argument;
+    FindReplaceRequest replacement;
+    switch (request.tool) {
+    case LinesTool::split:
+        argument = splitDelimiter(request);
+        break;
+    case LinesTool::matching:
+        argument = regexPattern(request);
+        break;
+    case LinesTool::containing:
+        argument = trimmedArgument(request.customText, "the text to look for", "Enter text to match.");
+        break;
+    case LinesTool::replace:
+        // The find text is searched for exactly as typed, white space included.
+        replacement = {decodeText(request.customText, "the find text"),
+                       decodeText(request.replacement, "the replacement"), request.matchCase};
+        break;
+    default:
+        break;
+    }
+
+    const std::u16string text = readText(request.input);
+    std::u16string result;
+    switch (request.tool) {
+    case LinesTool::sort:
+        result = sortedLines(text);
+        break;
+    case LinesTool::removeDuplicates:
+        result = uniqueLines(text);
+        break;
+    case LinesTool::removeEmpty:
+        result = nonEmptyLines(text);
+        break;
+    case LinesTool::bullet:
+        result = bulletedLines(text);
+        break;
+    case LinesTool::fixWhitespace:
+        result = fixedWhitespace(text);
+        break;
+    case LinesTool::number:
+        result = numberedLines(text, request.numberingStyle);
+        break;
+    case LinesTool::join:
+        result = joinedLines(text, separatorText(request.joinSeparator));
+        break;
+    case LinesTool::split:
+        result = splitText(text, argument);
+        break;
+    case LinesTool::matching:
+        result = matchingLines(argument, text).value_or(std::u16string());
+        break;
+    case LinesTool::containing:
+        result = containingLines(argument, text);
+        break;
+    case LinesTool::replace:
+        // An empty find text changes nothing.
+        result = replacement.find.empty() ? text : replacedText(text, replacement);
+        break;
+    }
+    writeStandardOutput(result);
+    return ExitStatus::success;
+}
+
+ExitStatus runTextCommand(const TextCommandRequest &request) {
+    if (request.command == TextCommand::stats) {
+        std::string line;
+        utf8::encode(TextStatistics::compute(readText(request.input)).displayText(), line);
+        line += '\n';
+        writeStandardOutput(line);
+        return ExitStatus::success;
+    }
+    // The markup's bytes go to the readers undecoded: they find the document's own encoding.
+    std::optional<InputBytes> input;
+    std::string_view bytes;
+    if (request.input.text) {
+        bytes = *request.input.text;
+    } else {
+        input.emplace(inputBytes(request.input));
+        bytes = input->bytes();
+    }
+    if (request.command == TextCommand::htmlToText) {
+        auto visible = clipboard::htmlVisibleText(bytes);
+        if (!visible)
+            fail(ExitStatus::invalidText, "input is not an HTML document");
+        writeStandardOutput(textClasses::normalizeLineBreaks(*visible));
+    } else {
+        auto visible = clipboard::rtfVisibleText(bytes);
+        if (!visible)
+            fail(ExitStatus::invalidText, "input is not an RTF document (it must start with \"{\\rtf\")");
+        writeStandardOutput(*visible);
+    }
+    return ExitStatus::success;
+}
+
+} // namespace glyphmill::cli

@@ -1,0 +1,112 @@
+#include "GlyphmillProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace glyphmill::testing {
+namespace {
+
+class LinesCommand : public ::testing::Test {
+protected:
+    // The output of a command that is expected to succeed without a word on standard error.
+    std::string output(const std::vector<std::string> &arguments, const std::string &input = {}) {
+        ProcessResult result = glyphmill.run(arguments, input);
+        EXPECT_EQ(result.exitStatus, 0);
+        EXPECT_EQ(result.standardError, "");
+        return result.standardOutput;
+    }
+
+    GlyphmillProcess glyphmill;
+};
+
+TEST_F(LinesCommand, EveryToolReachesItsLineFunctionWithTheChosenOption) {
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string input, expected;
+    };
+    const Case cases[] = {
+        {{"lines", "sort"}, "b\na\n", "a\nb\n"},
+        {{"lines", "remove-duplicates"}, "b\na\nb", "b\na"},
+        {{"lines", "remove-empty"}, "a\n\nb", "a\nb"},
+        {{"lines", "number"}, "x\ny", "1. x\n2. y"},
+        {{"lines", "number", "--style", "zero-padded"}, "x\ny", "01. x\n02. y"},
+        {{"lines", "number", "--style=parenthesis"}, "x", "1) x"},
+        {{"lines", "join"}, "x\ny", "x y"},
+        {{"lines", "join", "--separator", "comma-space"}, "x\ny", "x, y"},
+        {{"lines", "join", "--separator", "pipe"}, "x\ny", "x|y"},
+        {{"lines", "split"}, "a,b", "a\nb"},
+        {{"lines", "split", "--delimiter", "semicolon"}, "a;b", "a\nb"},
+        {{"lines", "split", "--delimiter", " :: "}, "a::b", "a\nb"}, // custom, trimmed
+        {{"lines", "matching", "--preset", "contains-digit"}, "a1\nb\n2", "a1\n2"},
+        {{"lines", "matching", "--pattern", "^\\d+ "}, "12\nx3", "12"}, // trimmed to ^\d+
+        {{"lines", "containing", " @ "}, "a@b\nc", "a@b"},
+        {{"lines", "replace", "FOO", "bar"}, "foo Foo", "bar bar"},
+        {{"lines", "replace", "--match-case", "FOO", "bar"}, "foo FOO", "foo bar"},
+        {{"lines", "replace", "", "bar"}, "foo", "foo"},
+        {{"stats"}, "a b\nc", "2 lines · 3 words · 5 characters\n"},
+        {{"rtf-to-text"}, "{\\rtf1 Hello\\par World}", "Hello\nWorld"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.arguments.back());
+        EXPECT_EQ(output(c.arguments, c.input), c.expected);
+    }
+}
+
+TEST_F(LinesCommand, ReadsFileOrTextLikeTransform) {
+    auto file = glyphmill.writeFile("list.txt", "b\r\na\r\n");
+    EXPECT_EQ(output({"lines", "containing", "a", file.string()}), "a\r");
+    EXPECT_EQ(output({"lines", "sort", "--text", "b\na"}), "a\nb");
+    EXPECT_EQ(output({"stats", "-"}, ""), "1 lines · 0 words · 0 characters\n");
+}
+
+TEST_F(LinesCommand, HtmlComesOutWithLineFeedsOnly) {
+    std::string text = output({"html-to-text"}, "<p>Hi\r\nthere</p><p>Next</p>");
+    EXPECT_EQ(text.find('\r'), std::string::npos);
+    EXPECT_NE(text.find("Next"), std::string::npos);
+}
+
+TEST_F(LinesCommand, RefusesBadArgumentsBeforeReadingInput) {
+    struct Case {
+        std::vector<std::string> arguments;
+        int exitStatus;
+        std::string message;
+    };
+    const Case cases[] = {
+        {{"lines", "split", "--delimiter", "   "}, 65, "glyphmill: Enter a delimiter.\n"},
+        {{"lines", "matching", "--pattern", "("}, 65, "glyphmill: Invalid regular expression.\n"},
+        {{"lines", "matching", "--pattern", " \n"}, 65, "glyphmill: Enter a regex pattern.\n"},
+        {{"lines", "containing", " "}, 65, "glyphmill: Enter text to match.\n"},
+        {{"rtf-to-text"}, 65, ""},
+        {{"html-to-text"}, 65, ""},
+        {{"lines", "sort", "--text", "\xFF"}, 65, ""},
+        {{"lines", "number", "--style", "roman"}, 64, ""},
+        {{"lines", "sort", "--style", "period"}, 64, ""},
+        {{"lines", "matching"}, 64, ""},
+        {{"lines", "replace", "only-find"}, 64, ""},
+        {{"lines", "shuffle"}, 64, ""},
+        {{"stats", "missing.txt"}, 66, ""},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.arguments.back());
+        ProcessResult result = glyphmill.run(c.arguments);
+        EXPECT_EQ(result.exitStatus, c.exitStatus);
+        EXPECT_EQ(result.standardOutput, "");
+        if (!c.message.empty())
+            EXPECT_EQ(result.standardError, c.message);
+        else
+            EXPECT_EQ(std::count(result.standardError.begin(), result.standardError.end(), '\n'), 1);
+    }
+}
+
+TEST_F(LinesCommand, HelpAtEveryLevelWinsOverMistakes) {
+    EXPECT_TRUE(output({"lines", "--help"}).starts_with("Usage: glyphmill lines TOOL"));
+    EXPECT_TRUE(output({"lines", "number", "--style", "roman", "--help"})
+                    .starts_with("Usage: glyphmill lines number"));
+    EXPECT_TRUE(output({"lines", "replace", "-h"}).starts_with("Usage: glyphmill lines replace"));
+    for (std::string command : {"html-to-text", "rtf-to-text", "stats"})
+        EXPECT_TRUE(output({command, "--help"}).starts_with("Usage: glyphmill " + command));
+}
+
+} // namespace
+} // namespace glyphmill::testing
