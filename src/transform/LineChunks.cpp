@@ -17,12 +17,13 @@ std::size_t workerCount() {
     return count;
 }
 
-} // namespace
-
+// Texts shorter than this run on the calling thread alone.
 std::size_t parallelThreshold() {
     std::size_t overridden = thresholdOverride.load(std::memory_order_relaxed);
     return overridden ? overridden : defaultThreshold;
 }
+
+} // namespace
 
 void setParallelThresholdForTesting(std::size_t threshold) {
     thresholdOverride.store(threshold, std::memory_order_relaxed);

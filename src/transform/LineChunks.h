@@ -11,8 +11,6 @@
 
 namespace glyphmill {
 
-// Texts shorter than this run on the calling thread alone.
-std::size_t parallelThreshold();
 // For tests: makes short texts take the parallel path too. 0 restores the default.
 void setParallelThresholdForTesting(std::size_t threshold);
 

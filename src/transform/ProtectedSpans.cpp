@@ -209,53 +209,10 @@ std::u16string maskProtectedTerms(std::u16string_view text, const std::vector<st
 
 namespace {
 
-struct OnePassRestore {
-    std::size_t starts = 0;   // U+E000 characters met
-    std::size_t replaced = 0; // keys replaced
-    std::size_t ends = 0;     // U+E001 characters in the text
-};
-
-// Replaces each key where it stands, stopping at the first U+E000 that does not begin a key of
-// the map (the caller then knows the pass cannot stand for key-by-key replacement).
-OnePassRestore restoreOnePass(std::u16string_view text, const PlaceholderMap &placeholders,
-                              std::u16string &out) {
-    OnePassRestore pass;
-    out.reserve(text.size() + text.size() / 2);
-    std::size_t copied = 0;
-    for (std::size_t at = scan::findAnyOf(text, 0, text::placeholderStart); at < text.size();
-         at = scan::findAnyOf(text, at + 1, text::placeholderStart)) {
-        ++pass.starts;
-        auto key = placeholderAt(text, at);
-        const std::u16string *value = key ? placeholders.find(key->first) : nullptr;
-        if (!value)
-            return pass;
-        out.append(text.substr(copied, at - copied));
-        out.append(*value);
-        copied = at + key->second;
-        at = copied - 1;
-        ++pass.replaced;
-    }
-    pass.ends = std::size_t(std::count(text.begin(), text.end(), text::placeholderEnd));
-    out.append(text.substr(copied));
-    return pass;
-}
-
-} // namespace
-
-namespace {
-
-// One pass stands for key-by-key replacement when every placeholder character of the text
-// belongs to a key of the map and no remembered text holds one: keys then cannot overlap or
-// arise from a replacement. Keys hold no line feed, so line chunks can be restored apart.
-std::optional<std::u16string> restoreByOnePass(std::u16string_view text, const PlaceholderMap &placeholders) {
-    if (placeholders.hasPlaceholderCharacters())
-        return std::nullopt;
-    std::u16string out;
-    OnePassRestore pass = restoreOnePass(text, placeholders, out);
-    if (pass.starts != pass.replaced || pass.ends != pass.replaced)
-        return std::nullopt;
-    return out;
-}
+// One pass that replaces each key where it stands stands for key-by-key replacement when every
+// placeholder character of the text belongs to a key of the map and no remembered text holds
+// one: keys then cannot overlap or arise from a replacement. Keys hold no line feed, so line
+// chunks can be restored apart.
 
 // The length of the one-pass restoration of text, when it stands for key-by-key replacement.
 std::optional<std::size_t> onePassRestoredSize(std::u16string_view text, const PlaceholderMap &placeholders) {
@@ -298,9 +255,12 @@ void writeOnePassRestored(std::u16string_view text, const PlaceholderMap &placeh
 std::u16string restorePlaceholders(std::u16string_view text, const PlaceholderMap &placeholders) {
     if (placeholders.empty())
         return std::u16string(text);
-    if (auto restored = restoreByOnePass(text, placeholders))
-        return std::move(*restored);
-    return restoreKeyByKey(text, placeholders);
+    auto size = onePassRestoredSize(text, placeholders);
+    if (!size)
+        return restoreKeyByKey(text, placeholders);
+    std::u16string out(*size, u'\0');
+    writeOnePassRestored(text, placeholders, out.data());
+    return out;
 }
 
 std::u16string

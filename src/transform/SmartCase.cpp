@@ -41,7 +41,7 @@ bool containsPrivateUse(std::u16string_view text) {
 
 bool isLetter(char32_t c) {
     if (c < 0x80)
-        return (c | 0x20) >= u'a' && (c | 0x20) <= u'z';
+        return text::isAsciiLetter(char16_t(c));
     return (U_GET_GC_MASK(UChar32(c)) & U_GC_L_MASK) != 0;
 }
 bool isUppercaseLetter(char32_t c) {

@@ -13,28 +13,23 @@ namespace {
 using text::codePointAt;
 using text::codePointBefore;
 using text::codeUnitCount;
-
-bool isAsciiLetter(char16_t unit) {
-    return (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z';
-}
-bool isAsciiDigit(char16_t unit) {
-    return unit >= u'0' && unit <= u'9';
-}
+using text::isAsciiAlphanumeric;
+using text::isAsciiLetter;
 
 // [A-Z0-9._%+\-] matched without regard to case: ICU closes the set over case, which adds
 // the long s and the Kelvin sign.
 bool isEmailLocalCharacter(char32_t c) {
     if (c < 0x80) {
         auto unit = char16_t(c);
-        return isAsciiLetter(unit) || isAsciiDigit(unit) || unit == u'.' || unit == u'_' || unit == u'%' ||
-               unit == u'+' || unit == u'-';
+        return isAsciiAlphanumeric(unit) || unit == u'.' || unit == u'_' || unit == u'%' || unit == u'+' ||
+               unit == u'-';
     }
     return c == 0x017F || c == 0x212A;
 }
 
 // [A-Z0-9.\-] and [A-Z] without regard to case.
 bool isEmailDomainCharacter(char16_t c) {
-    return isAsciiLetter(c) || isAsciiDigit(c) || c == u'.' || c == u'-' || c == 0x017F || c == 0x212A;
+    return isAsciiAlphanumeric(c) || c == u'.' || c == u'-' || c == 0x017F || c == 0x212A;
 }
 bool isEmailTopLevelCharacter(char16_t c) {
     return isAsciiLetter(c) || c == 0x017F || c == 0x212A;
@@ -140,7 +135,7 @@ std::optional<std::size_t> pathMatchAt(std::u16string_view text, std::size_t i) 
 
 bool isTagCharacter(char32_t c) {
     if (c < 0x80)
-        return isAsciiLetter(char16_t(c)) || isAsciiDigit(char16_t(c)) || c == u'_';
+        return isAsciiAlphanumeric(char16_t(c)) || c == u'_';
     return (U_GET_GC_MASK(UChar32(c)) & (U_GC_L_MASK | U_GC_N_MASK)) != 0;
 }
 
@@ -158,7 +153,7 @@ bool isRegexSpace(char32_t c) {
 
 bool isRegexWordCharacter(char32_t c) {
     if (c < 0x80)
-        return isAsciiLetter(char16_t(c)) || isAsciiDigit(char16_t(c)) || c == u'_';
+        return isAsciiAlphanumeric(char16_t(c)) || c == u'_';
     if (c == 0x200C || c == 0x200D)
         return true;
     if (u_isUAlphabetic(UChar32(c)))

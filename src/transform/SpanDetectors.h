@@ -10,6 +10,8 @@
 // match must start with or contain, so the cost follows the number of candidates.
 #pragma once
 
+#include "TextModel.h"
+
 #include <cstddef>
 #include <string_view>
 #include <vector>
@@ -35,10 +37,7 @@ bool isRegexWordBoundary(std::u16string_view text, std::size_t position);
 
 // The same, answered in place when the characters on both sides are ASCII (never combining).
 inline bool isRegexWordBoundaryQuick(std::u16string_view text, std::size_t position) {
-    auto isAsciiWord = [](char16_t unit) {
-        return ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z') || (unit >= u'0' && unit <= u'9') ||
-               unit == u'_';
-    };
+    auto isAsciiWord = [](char16_t unit) { return text::isAsciiAlphanumeric(unit) || unit == u'_'; };
     bool currentAscii = position >= text.size() || text[position] < 0x80;
     bool previousAscii = position == 0 || text[position - 1] < 0x80;
     if (!currentAscii || !previousAscii)

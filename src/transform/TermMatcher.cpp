@@ -17,7 +17,7 @@ using text::codeUnitCount;
 // A code unit that is a letter, mark or number; half a surrogate pair never is.
 bool isAlphanumericUnit(char16_t unit) {
     if (unit < 0x80)
-        return ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z') || (unit >= u'0' && unit <= u'9');
+        return text::isAsciiAlphanumeric(unit);
     if (text::isLeadSurrogate(unit) || text::isTrailSurrogate(unit))
         return false;
     return text::isLetterMarkOrNumber(unit);

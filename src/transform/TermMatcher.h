@@ -5,6 +5,7 @@
 #pragma once
 
 #include "FastScan.h"
+#include "TextModel.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -45,16 +46,13 @@ public:
     }
 
 private:
-    static bool isAsciiAlphanumeric(char16_t unit) {
-        return ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z') || (unit >= u'0' && unit <= u'9');
-    }
     static char16_t asciiLower(char16_t unit) {
         return unit >= u'A' && unit <= u'Z' ? char16_t(unit + 0x20) : unit;
     }
     // A cheap test that rules out most positions: inside words, and where the first two
     // characters begin no term.
     bool mayStartAt(std::u16string_view text, std::size_t p) const {
-        if (p > 0 && text[p - 1] < 0x80 && isAsciiAlphanumeric(text[p - 1]))
+        if (p > 0 && text[p - 1] < 0x80 && text::isAsciiAlphanumeric(text[p - 1]))
             return false;
         char16_t first = text[p];
         if (first >= 0x80)

@@ -82,6 +82,9 @@ inline bool isAsciiLetter(char16_t unit) {
 inline bool isAsciiDigit(char16_t unit) {
     return unit >= u'0' && unit <= u'9';
 }
+inline bool isAsciiAlphanumeric(char16_t unit) {
+    return isAsciiLetter(unit) || isAsciiDigit(unit);
+}
 inline bool isAsciiWhiteSpace(char16_t unit) {
     return unit == u' ' || (unit >= 0x09 && unit <= 0x0D);
 }
