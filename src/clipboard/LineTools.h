@@ -2,6 +2,8 @@
 // a CR stays part of its line.
 #pragma once
 
+#include "clipboard/FindReplaceRequest.h"
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -40,12 +42,7 @@ std::u16string_view choiceTitle(RegexPreset preset);
 // None for custom: the user types that one.
 std::optional<std::u16string_view> presetPattern(RegexPreset preset);
 
-// The answer of the Find & Replace dialog.
-struct FindReplaceRequest {
-    std::u16string find;
-    std::u16string replacement;
-    bool matchCase = false;
-};
+using glyphmill::FindReplaceRequest;
 
 // The lines view the text they were broken from, which must outlive them.
 struct BrokenLines {

@@ -134,4 +134,18 @@ std::string encode(std::u16string_view text) {
     return out;
 }
 
+bool encodeStrict(std::u16string_view text, std::string &out) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if ((text[i] & 0xF800) != 0xD800)
+            continue;
+        if ((text[i] & 0xFC00) == 0xD800 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00) {
+            ++i;
+            continue;
+        }
+        return false;
+    }
+    encode(text, out);
+    return true;
+}
+
 } // namespace glyphmill::utf8

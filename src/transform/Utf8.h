@@ -20,5 +20,7 @@ std::u16string decodeLossy(std::string_view bytes); // bad sequences become U+FF
 // An unpaired surrogate becomes U+FFFD.
 void encode(std::u16string_view text, std::string &out);
 std::string encode(std::u16string_view text);
+// False, writing nothing, when the text holds an unpaired surrogate.
+bool encodeStrict(std::u16string_view text, std::string &out);
 
 } // namespace glyphmill::utf8

@@ -1,0 +1,32 @@
+#include "platform/PlatformServices.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace glyphmill {
+
+namespace {
+PlatformServices installed;
+
+void requirePresent(const void *service, const char *name) {
+    if (service)
+        return;
+    std::fprintf(stderr, "glyphmill: no %s was installed before the controllers were first used\n", name);
+    std::abort();
+}
+} // namespace
+
+void installPlatformServices(const PlatformServices &services) {
+    installed = services;
+}
+
+const PlatformServices &platformServices() {
+    requirePresent(installed.preferences, "preference store");
+    requirePresent(installed.pasteboard, "pasteboard");
+    requirePresent(installed.dialogs, "dialog service");
+    requirePresent(installed.keystrokes, "keystroke sender");
+    requirePresent(installed.loginItem, "login item service");
+    return installed;
+}
+
+} // namespace glyphmill
