@@ -62,7 +62,8 @@ Options:
   --version            show the version
   --                   end of options: what follows is KIND or FILE
 
-Switches for --option (all on unless turned off):
+Switches for --option (as set in Glyphmill's settings, all on until turned
+off there; code between backticks is always kept unless turned off here):
 )";
 
 constexpr std::string_view termsHelp =

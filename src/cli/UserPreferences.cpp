@@ -2,7 +2,7 @@
 
 #include "cli/Failure.h"
 #include "cli/InputOutput.h"
-#include "cli/ProtectionSwitches.h"
+#include "settings/SettingsPreferences.h"
 
 namespace glyphmill::cli {
 
@@ -51,8 +51,8 @@ std::string UserPreferences::path() const {
     return file_ ? file_->path() : JsonFilePreferenceStore::defaultPath();
 }
 
-TextProtectionOptions protectionOptionsFromPreferences(UserPreferences &) {
-    return allProtectionSwitchesOn();
+TextProtectionOptions protectionOptionsFromPreferences(UserPreferences &preferences) {
+    return readTextProtectionOptions(preferences.store());
 }
 
 } // namespace glyphmill::cli

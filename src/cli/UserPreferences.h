@@ -32,8 +32,8 @@ private:
     std::unique_ptr<WriteCheckingStore> checked_;
 };
 
-// The protection switches the user chose. Every switch is on until settings can turn them off;
-// the preferences are passed so that the settings can be read from them then.
+// The protection switches the user chose in the settings, read by the same rules as the
+// application's: a switch is on unless it is stored as false.
 TextProtectionOptions protectionOptionsFromPreferences(UserPreferences &preferences);
 
 } // namespace glyphmill::cli
