@@ -1,0 +1,11 @@
+// Hands the Linux implementations of the platform services to the shared controllers.
+#pragma once
+
+namespace glyphmill {
+
+// Call once at start, on the main thread, after the QApplication exists (the clipboard and the
+// dialogs need it) and before the first shared controller is made. The services live until the
+// process ends; calling again installs the same ones.
+void installLinuxPlatformServices();
+
+} // namespace glyphmill

@@ -1,0 +1,216 @@
+// Glyphmill and other programs on a real X server: what we read of what they copied, what they
+// paste after we rewrote the clipboard, and the paste keystroke reaching the focused window.
+#include "clipboard/PasteboardText.h"
+#include "platform/linux/QtPasteboard.h"
+#include "platform/linux/XTestKeystrokeSender.h"
+
+#include <QApplication>
+#include <QBuffer>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QImage>
+#include <QLineEdit>
+#include <QProcess>
+#include <QTemporaryFile>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace glyphmill {
+namespace {
+
+using Types = std::vector<std::string>;
+
+// Runs the event loop until the condition holds. The deadline only keeps a broken run from
+// hanging; it says nothing about speed.
+bool spinUntil(const std::function<bool()> &condition) {
+    QDeadlineTimer deadline(std::chrono::seconds(30));
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        QEventLoop loop;
+        QTimer::singleShot(10, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    return true;
+}
+
+// What another program gets when it pastes one target ("" is xclip's default, UTF8_STRING). Our
+// event loop keeps running meanwhile: when we own the clipboard, we are the one who answers.
+QByteArray pastedByOtherProgram(const QString &target = {}) {
+    QStringList arguments{"-selection", "clipboard", "-o"};
+    if (!target.isEmpty())
+        arguments << "-t" << target;
+    QProcess xclip;
+    xclip.start("xclip", arguments);
+    EXPECT_TRUE(spinUntil([&] { return xclip.state() == QProcess::NotRunning; })) << "xclip -o never ended";
+    return xclip.readAllStandardOutput();
+}
+
+QStringList targetsSeenByOtherProgram() {
+    return QString::fromUtf8(pastedByOtherProgram("TARGETS")).split(u'\n', Qt::SkipEmptyParts);
+}
+
+// Another program that copied one representation (an empty type: text the usual way) and serves
+// it until it loses the clipboard or this object goes.
+class OtherProgramCopy {
+public:
+    OtherProgramCopy(const QString &type, const QByteArray &bytes) {
+        if (file_.open()) {
+            file_.write(bytes);
+            file_.flush();
+        }
+        QStringList arguments{"-quiet", "-selection", "clipboard", "-i", file_.fileName()};
+        if (!type.isEmpty())
+            arguments << "-t" << type;
+        xclip_.setStandardOutputFile(QProcess::nullDevice());
+        xclip_.setStandardErrorFile(QProcess::nullDevice());
+        xclip_.start("xclip", arguments);
+    }
+    ~OtherProgramCopy() {
+        xclip_.kill();
+        xclip_.waitForFinished();
+    }
+    bool stillServing() const { return xclip_.state() == QProcess::Running; }
+
+private:
+    QTemporaryFile file_;
+    QProcess xclip_;
+};
+
+class X11Clipboard : public ::testing::Test {
+protected:
+    // We notice that another program copied through the change count alone.
+    std::unique_ptr<OtherProgramCopy> copyInOtherProgram(const QString &type, const QByteArray &bytes) {
+        const std::int64_t before = pasteboard.changeCount();
+        auto copy = std::make_unique<OtherProgramCopy>(type, bytes);
+        EXPECT_TRUE(spinUntil([&] { return pasteboard.changeCount() > before; }))
+            << "no change after xclip copied";
+        return copy;
+    }
+
+    static void expectOnlyMimeTypes(const Types &types) {
+        for (const auto &type : types)
+            EXPECT_NE(type.find('/'), std::string::npos) << type;
+    }
+
+    // Other programs now find this text and nothing but text.
+    static void expectOtherProgramsPaste(const QByteArray &utf8) {
+        static const QStringList plainTextTargets = {"TARGETS",      "MULTIPLE",    "TIMESTAMP",
+                                                     "SAVE_TARGETS", "UTF8_STRING", "text/plain",
+                                                     "STRING",       "TEXT",        "COMPOUND_TEXT"};
+        const QStringList targets = targetsSeenByOtherProgram();
+        EXPECT_TRUE(targets.contains("UTF8_STRING")) << targets.join(' ').toStdString();
+        for (const QString &target : targets)
+            EXPECT_TRUE(plainTextTargets.contains(target)) << target.toStdString();
+        EXPECT_EQ(pastedByOtherProgram(), utf8);
+    }
+
+    QtPasteboard pasteboard;
+};
+
+TEST_F(X11Clipboard, PlainTextIsReadAsCopiedAndLeftAlone) {
+    auto copy = copyInOtherProgram({}, "Dear team,\r\n  see you at 10\u00a0am.");
+    EXPECT_EQ(pasteboard.types(), Types{"text/plain"});
+    EXPECT_EQ(pasteboardText::readText(pasteboard, true), u"Dear team,\r\n  see you at 10\u00a0am.");
+    EXPECT_FALSE(pasteboardText::hasRichFormatting(pasteboard));
+    EXPECT_FALSE(pasteboardText::clearFormattingIfRich(pasteboard));
+    EXPECT_TRUE(copy->stillServing());
+}
+
+TEST_F(X11Clipboard, HtmlFromABrowserBecomesItsVisibleText) {
+    auto copy = copyInOtherProgram("text/html", "<meta charset=\"utf-8\"><p>Caf\xc3\xa9 <b>menu</b></p>\r\n"
+                                                "<ul><li>Scones &amp; tea</li></ul>");
+    const Types types = pasteboard.types();
+    expectOnlyMimeTypes(types);
+    EXPECT_NE(std::find(types.begin(), types.end(), "text/html"), types.end());
+    EXPECT_EQ(pasteboardText::readText(pasteboard, true), std::nullopt);
+    const auto visible = pasteboardText::readText(pasteboard, false);
+    ASSERT_TRUE(visible);
+    EXPECT_NE(visible->find(u"Caf\u00e9 menu"), std::u16string::npos);
+    EXPECT_NE(visible->find(u"Scones & tea"), std::u16string::npos);
+    EXPECT_TRUE(pasteboardText::hasRichFormatting(pasteboard));
+
+    ASSERT_TRUE(pasteboardText::clearFormattingIfRich(pasteboard));
+    EXPECT_EQ(pasteboard.types(), Types{"text/plain"});
+    expectOtherProgramsPaste(QString::fromStdU16String(*visible).toUtf8());
+    EXPECT_TRUE(spinUntil([&] { return !copy->stillServing(); })) << "xclip kept the clipboard";
+}
+
+// Shaped like what LibreOffice Writer copies for a heading and a paragraph.
+constexpr char wordProcessorRtf[] =
+    R"({\rtf1\ansi\deff4\adeflang1025
+{\fonttbl{\f0\froman\fprq2\fcharset0 Times New Roman;}{\f1\froman\fprq2\fcharset2 Symbol;}{\f3\froman\fprq2\fcharset0 Liberation Serif{\*\falt Times New Roman};}{\f4\fswiss\fprq2\fcharset0 Liberation Sans{\*\falt Arial};}}
+{\colortbl;\red0\green0\blue0;\red0\green0\blue255;}
+{\stylesheet{\s0\snext0\nowidctlpar\hyphpar0\ltrpar\cf0\kerning1\loch\f3\fs24\lang2057 Normal;}
+{\s15\sbasedon0\snext16\keepn\sb240\sa120\ltrpar\loch\f4\fs28 Heading;}
+}{\*\generator LibreOffice/7.4.7.2$Linux_X86_64 LibreOffice_project/40$Build-2}{\info{\creatim\yr2024\mo3\dy5\hr10\min12}}{\*\userprops}\deftab709
+\hyphauto1\viewscale100
+{\*\pgdsctbl
+{\pgdsc0\pgdscuse451\pgwsxn11906\pghsxn16838\marglsxn1134\margrsxn1134\pgdscnxt0 Default Page Style;}}
+\formshade\paperh16838\paperw11906\margl1134\margr1134\sectd\sbknone\sectunlocked1\pgndec\ftnbj\ftnstart1\ftnrstcont\ftnnar\aenddoc
+{\*\ftnsep\chftnsep}\pgndec\pard\plain \s15\sb240\sa120\keepn\loch\f4\fs28\lang2057{\rtlch \ltrch\loch
+Quarterly report}
+\par \pard\plain \s0\nowidctlpar\hyphpar0\ltrpar\cf0\loch\f3\fs24\lang2057{\rtlch \ltrch\loch
+Revenue grew by 12\u160\'3f% in the }{\rtlch \ltrch\b\loch
+second}{\rtlch \ltrch\loch
+ quarter \u8211\'96 see the table.}
+\par })";
+
+TEST_F(X11Clipboard, RtfFromAWordProcessorBecomesLinesOfText) {
+    auto copy = copyInOtherProgram("text/rtf", wordProcessorRtf);
+    expectOnlyMimeTypes(pasteboard.types());
+    const std::u16string expected =
+        u"Quarterly report\nRevenue grew by 12\u00a0% in the second quarter \u2013 see the table.";
+    EXPECT_EQ(pasteboardText::readText(pasteboard, true), expected);
+    EXPECT_EQ(pasteboardText::readText(pasteboard, false), expected);
+    EXPECT_TRUE(pasteboardText::hasRichFormatting(pasteboard));
+
+    ASSERT_TRUE(pasteboardText::clearFormattingIfRich(pasteboard));
+    expectOtherProgramsPaste(QString::fromStdU16String(expected).toUtf8());
+}
+
+TEST_F(X11Clipboard, AnImageIsNeitherTextNorFormatting) {
+    QImage image(4, 4, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    ASSERT_TRUE(image.save(&buffer, "PNG"));
+
+    auto copy = copyInOtherProgram("image/png", png);
+    const Types types = pasteboard.types();
+    expectOnlyMimeTypes(types);
+    EXPECT_NE(std::find(types.begin(), types.end(), "image/png"), types.end());
+    EXPECT_EQ(pasteboard.data("image/png"), PasteboardData(png.begin(), png.end()));
+    EXPECT_EQ(pasteboardText::readText(pasteboard, false), std::nullopt);
+    EXPECT_FALSE(pasteboardText::hasRichFormatting(pasteboard));
+    EXPECT_FALSE(pasteboardText::clearFormattingIfRich(pasteboard));
+    EXPECT_TRUE(targetsSeenByOtherProgram().contains("image/png"));
+}
+
+TEST_F(X11Clipboard, WrittenTextIsWhatOtherProgramsPasteUntilTheyCopy) {
+    pasteboardText::writePlainText(pasteboard, u"Zeile 1\nZeile 2 \u2014 \u2713");
+    expectOtherProgramsPaste("Zeile 1\nZeile 2 \xe2\x80\x94 \xe2\x9c\x93");
+
+    auto copy = copyInOtherProgram({}, "from elsewhere");
+    EXPECT_EQ(pasteboardText::readText(pasteboard, false), u"from elsewhere");
+}
+
+TEST_F(X11Clipboard, PasteKeystrokeMakesTheFocusedFieldPaste) {
+    QLineEdit field;
+    field.show();
+    field.activateWindow();
+    ASSERT_TRUE(spinUntil([&] { return field.isActiveWindow() && field.hasFocus(); }))
+        << "the field never got focus";
+
+    pasteboardText::writePlainText(pasteboard, u"pasted through XTest \u2713");
+    XTestKeystrokeSender().postPasteKeystroke();
+    EXPECT_TRUE(spinUntil([&] { return field.text() == u"pasted through XTest \u2713"; }))
+        << "the field holds \"" << field.text().toStdString() << '"';
+}
+
+} // namespace
+} // namespace glyphmill
