@@ -45,25 +45,43 @@ bool containsWholeCharacters(std::u16string_view haystack, std::u16string_view n
     return false;
 }
 
-} // namespace
-
-std::optional<std::u16string> matchingLines(std::u16string_view pattern, std::u16string_view text) {
-    // Declared before the matcher, which refers to it until the matcher is gone.
-    icu::UnicodeString input;
+std::unique_ptr<icu::RegexPattern> compiledPattern(std::u16string_view pattern) {
     UErrorCode status = U_ZERO_ERROR;
     UParseError parseError;
     std::unique_ptr<icu::RegexPattern> compiled(icu::RegexPattern::compile(
         icu::UnicodeString(false, pattern.data(), int32_t(pattern.size())), 0, parseError, status));
-    if (U_FAILURE(status) || !compiled)
+    if (U_FAILURE(status))
+        return nullptr;
+    return compiled;
+}
+
+} // namespace
+
+bool isValidPattern(std::u16string_view pattern) {
+    return compiledPattern(pattern) != nullptr;
+}
+
+std::optional<std::u16string> matchingLines(std::u16string_view pattern, std::u16string_view text) {
+    // Declared before the matcher, which refers to it until the matcher is gone.
+    icu::UnicodeString input;
+    std::unique_ptr<icu::RegexPattern> compiled = compiledPattern(pattern);
+    if (!compiled)
         return std::nullopt;
+    UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::RegexMatcher> matcher(compiled->matcher(status));
     if (U_FAILURE(status) || !matcher)
         return std::nullopt;
 
     // Each line is its own input, so "^" and "$" anchor at the line without multi-line mode.
     std::u16string result;
+    result.reserve(text.size());
+    // Every e-mail address holds an "@"; the lines without one would cost the expression a
+    // failed attempt at each letter of each word.
+    const bool needsAt = pattern == presetPattern(RegexPreset::email);
     bool hasKept = false;
     for (std::u16string_view line : breakLines(text).lines) {
+        if (needsAt && line.find(u'@') == std::u16string_view::npos)
+            continue;
         input.setTo(false, line.data(), int32_t(line.size()));
         UErrorCode lineStatus = U_ZERO_ERROR;
         matcher->reset(input);
@@ -82,6 +100,7 @@ std::u16string containingLines(std::u16string_view needle, std::u16string_view t
     std::u16string result;
     if (needleForm.empty())
         return result;
+    result.reserve(text.size());
     bool hasKept = false;
     std::u16string lineForm;
     for (std::u16string_view line : breakLines(text).lines) {

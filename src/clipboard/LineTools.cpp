@@ -253,15 +253,14 @@ std::u16string bulletedLines(std::u16string_view text) {
 }
 
 std::u16string joinedLines(std::u16string_view text, std::u16string_view separator) {
+    BrokenLines broken = breakLines(text);
+    std::erase_if(broken.lines, [](std::u16string_view line) { return trimmedWhiteSpace(line).empty(); });
     std::u16string result;
-    bool first = true;
-    for (std::u16string_view line : breakLines(text).lines) {
-        if (trimmedWhiteSpace(line).empty())
-            continue;
-        if (!first)
+    result.reserve(totalSize(broken.lines) + broken.lines.size() * separator.size());
+    for (std::size_t i = 0; i < broken.lines.size(); ++i) {
+        if (i > 0)
             result.append(separator);
-        result.append(line);
-        first = false;
+        result.append(broken.lines[i]);
     }
     return result;
 }
@@ -283,12 +282,18 @@ std::u16string splitText(std::u16string_view text, std::u16string_view delimiter
 }
 
 std::u16string fixedWhitespace(std::u16string_view text) {
+    // Line breaks and characters in one pass: on a large text every extra copy is a pass to memory.
     std::u16string plain;
     plain.reserve(text.size());
-    for (char16_t unit : textClasses::normalizeLineBreaks(text)) {
-        if (isRemovedInvisible(unit))
-            continue;
-        plain.push_back(isSpaceLookalike(unit) || unit == textClasses::tab ? space : unit);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char16_t unit = text[i];
+        if (unit == text::carriageReturn) {
+            plain.push_back(lineFeed);
+            if (i + 1 < text.size() && text[i + 1] == lineFeed)
+                ++i;
+        } else if (!isRemovedInvisible(unit)) {
+            plain.push_back(isSpaceLookalike(unit) || unit == textClasses::tab ? space : unit);
+        }
     }
 
     std::u16string result;
@@ -311,7 +316,9 @@ std::u16string fixedWhitespace(std::u16string_view text) {
     }
     std::u16string_view kept = textClasses::trimmedWhiteSpaceAndLineBreaks(result);
     const std::size_t keptStart = std::size_t(kept.data() - result.data());
-    return result.substr(keptStart, kept.size());
+    result.resize(keptStart + kept.size());
+    result.erase(0, keptStart);
+    return result;
 }
 
 } // namespace glyphmill::lineTools

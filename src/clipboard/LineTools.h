@@ -62,6 +62,8 @@ std::u16string joinedLines(std::u16string_view text, std::u16string_view separat
 std::u16string splitText(std::u16string_view text, std::u16string_view delimiter);
 // None when the pattern does not compile.
 std::optional<std::u16string> matchingLines(std::u16string_view pattern, std::u16string_view text);
+// Whether the pattern compiles with no options, that is whether matchingLines gives a text.
+bool isValidPattern(std::u16string_view pattern);
 std::u16string containingLines(std::u16string_view needle, std::u16string_view text);
 std::u16string fixedWhitespace(std::u16string_view text);
 std::u16string replacedText(std::u16string_view text, const FindReplaceRequest &request);

@@ -8,6 +8,7 @@
 #include <unicode/ustring.h>
 
 #include <array>
+#include <vector>
 
 namespace glyphmill::lineTools {
 
@@ -25,7 +26,9 @@ class SearchForm {
 public:
     SearchForm(std::u16string_view original, bool matchCase, const icu::Normalizer2 &nfd)
         : original_(original), matchCase_(matchCase), nfd_(nfd) {
-        units_.reserve(original.size());
+        // Decomposed accents and foldings such as "ß" to "ss" make the form longer than the text;
+        // growing a large buffer copies it whole.
+        units_.reserve(original.size() + original.size() / 4);
         boundaries_.reserve(original.size() + 1);
         boundaries_.push_back(true);
         anchors_.push_back({0, 0});
@@ -154,9 +157,12 @@ std::u16string replacedText(std::u16string_view text, const FindReplaceRequest &
 
     SearchForm form(text, request.matchCase, *nfd);
     const std::u16string_view haystack = form.units();
-    std::u16string result;
-    result.reserve(text.size());
-    std::size_t copiedUpTo = 0;
+    // The matches first, then the result in one allocation of its exact size.
+    struct Match {
+        std::size_t start;
+        std::size_t end;
+    };
+    std::vector<Match> matches;
     std::size_t searchFrom = 0;
     while (true) {
         std::size_t at = haystack.find(needle, searchFrom);
@@ -167,12 +173,20 @@ std::u16string replacedText(std::u16string_view text, const FindReplaceRequest &
             searchFrom = at + 1;
             continue;
         }
-        std::size_t originalStart = form.originalIndex(at);
-        std::size_t originalEnd = form.originalIndex(end);
-        result.append(text.substr(copiedUpTo, originalStart - copiedUpTo));
-        result.append(request.replacement);
-        copiedUpTo = originalEnd;
+        matches.push_back({form.originalIndex(at), form.originalIndex(end)});
         searchFrom = end;
+    }
+
+    std::size_t resultSize = text.size();
+    for (const Match &match : matches)
+        resultSize = resultSize - (match.end - match.start) + request.replacement.size();
+    std::u16string result;
+    result.reserve(resultSize);
+    std::size_t copiedUpTo = 0;
+    for (const Match &match : matches) {
+        result.append(text.substr(copiedUpTo, match.start - copiedUpTo));
+        result.append(request.replacement);
+        copiedUpTo = match.end;
     }
     result.append(text.substr(copiedUpTo));
     return result;

@@ -52,6 +52,11 @@ TEST(SortedLines, OrdersDigitRunsByValueIgnoresCaseAndKeepsEqualLinesInOrder) {
         {u"b\r\na\r\n", u"a\r\nb\r\n"},
         {u"b\n\na", u"\na\nb"},
         {u"\u00E9\ne\nf", u"e\n\u00E9\nf"},
+        // Keys that agree far past their first bytes, and equal keys of different case.
+        {u"https://example.com/b\nhttps://example.com/a\nHTTPS://EXAMPLE.COM/a\nhttps://example.com/\n"
+         u"https://example.com/a",
+         u"https://example.com/\nhttps://example.com/a\nHTTPS://EXAMPLE.COM/a\nhttps://example.com/a\n"
+         u"https://example.com/b"},
     };
     for (const TextCase &c : cases)
         EXPECT_EQ(sortedLines(c.input), c.expected) << std::string(c.input.begin(), c.input.end());
@@ -64,6 +69,19 @@ TEST(UniqueLines, KeepsTheFirstOfCanonicallyEqualLines) {
     };
     for (const TextCase &c : cases)
         EXPECT_EQ(uniqueLines(c.input), c.expected);
+
+    // Enough distinct lines to make the set of seen lines grow several times.
+    std::u16string twice, once;
+    for (int copy = 0; copy < 2; ++copy)
+        for (int i = 0; i < 2000; ++i) {
+            std::u16string line = u"line " + std::u16string(1, char16_t(u'a' + i % 26)) + u"\u00E9 ";
+            for (char digit : std::to_string(i * 7919 % 2000))
+                line += char16_t(digit);
+            twice += line + u"\n";
+            if (copy == 0)
+                once += line + u"\n";
+        }
+    EXPECT_EQ(uniqueLines(twice), once);
 }
 
 TEST(NonEmptyLines, DropsLinesOfSpacesAndTabsButNotOfCarriageReturns) {
