@@ -1,0 +1,193 @@
+#include "clipboard/LineToolCommands.h"
+
+#include "clipboard/ClipboardManager.h"
+#include "clipboard/ClipboardMonitor.h"
+#include "clipboard/LineTools.h"
+#include "clipboard/TextClasses.h"
+#include "platform/PlatformServices.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace glyphmill {
+
+namespace {
+
+template <typename Option, std::size_t count>
+std::vector<std::u16string> choiceTitles(const std::array<Option, count> &options) {
+    std::vector<std::u16string> titles;
+    titles.reserve(count);
+    for (Option option : options)
+        titles.emplace_back(lineTools::choiceTitle(option));
+    return titles;
+}
+
+// The chosen option, or none when the prompt was cancelled.
+template <typename Option, std::size_t count>
+std::optional<Option> promptForOption(Dialogs &dialogs, std::u16string_view title,
+                                      std::u16string_view message, const std::array<Option, count> &options) {
+    const ChoiceAnswer answer = dialogs.promptForChoice(title, message, choiceTitles(options), 0);
+    if (answer.cancelled || answer.index < 0 || std::size_t(answer.index) >= count)
+        return std::nullopt;
+    return options[std::size_t(answer.index)];
+}
+
+// The answer trimmed of white space and line breaks; none when cancelled. An empty answer is
+// the caller's to report.
+std::optional<std::u16string> promptForTrimmedText(Dialogs &dialogs, std::u16string_view title,
+                                                   std::u16string_view message,
+                                                   std::u16string_view placeholder) {
+    auto answer = dialogs.promptForText(title, message, placeholder);
+    if (!answer)
+        return std::nullopt;
+    return std::u16string(textClasses::trimmedWhiteSpaceAndLineBreaks(*answer));
+}
+
+} // namespace
+
+LineToolCommands::LineToolCommands(ClipboardManager &manager, Dialogs &dialogs, ClipboardMonitor &monitor,
+                                   QObject *parent)
+    : QObject(parent), dialogs_(dialogs), manager_(manager), monitor_(monitor) {}
+
+LineToolCommands &LineToolCommands::shared() {
+    static LineToolCommands *instance = new LineToolCommands(
+        ClipboardManager::shared(), *platformServices().dialogs, ClipboardMonitor::shared());
+    return *instance;
+}
+
+void LineToolCommands::sortLines() {
+    manager_.applyTextOperation(lineTools::sortedLines);
+}
+
+void LineToolCommands::removeDuplicateLines() {
+    manager_.applyTextOperation(lineTools::uniqueLines);
+}
+
+void LineToolCommands::removeEmptyLines() {
+    manager_.applyTextOperation(lineTools::nonEmptyLines);
+}
+
+void LineToolCommands::bulletLines() {
+    manager_.applyTextOperation(lineTools::bulletedLines);
+}
+
+void LineToolCommands::fixWhitespace() {
+    manager_.applyTextOperation(lineTools::fixedWhitespace);
+}
+
+void LineToolCommands::htmlToPlainText() {
+    auto text = manager_.readHTMLAsText();
+    if (!text) {
+        manager_.showClipboardAlert(u"Clipboard does not contain HTML.");
+        return;
+    }
+    manager_.replaceClipboardText([&] { return ClipboardManager::normalizeLineBreaks(*text); });
+}
+
+void LineToolCommands::numberLines() {
+    auto style = promptForOption(dialogs_, u"Number Lines", u"Choose a numbering style.",
+                                 lineTools::allNumberingStyles);
+    if (!style)
+        return;
+    manager_.applyTextOperation(
+        [style = *style](std::u16string_view text) { return lineTools::numberedLines(text, style); });
+}
+
+void LineToolCommands::joinLines() {
+    auto separator = promptForOption(dialogs_, u"Join Lines", u"Choose a separator between joined lines.",
+                                     lineTools::allJoinSeparators);
+    if (!separator)
+        return;
+    manager_.applyTextOperation([separator = *separator](std::u16string_view text) {
+        return lineTools::joinedLines(text, lineTools::separatorText(separator));
+    });
+}
+
+void LineToolCommands::splitLines() {
+    auto choice =
+        promptForOption(dialogs_, u"Split to Lines", u"Choose how to split the clipboard text into lines.",
+                        lineTools::allSplitDelimiters);
+    if (!choice)
+        return;
+    std::u16string delimiter;
+    if (auto preset = lineTools::delimiterText(*choice)) {
+        delimiter = *preset;
+    } else {
+        auto answer =
+            promptForTrimmedText(dialogs_, u"Custom Delimiter", u"Enter the text to split on.", u"|");
+        if (!answer)
+            return;
+        if (answer->empty()) {
+            manager_.showClipboardAlert(u"Enter a delimiter.");
+            return;
+        }
+        delimiter = std::move(*answer);
+    }
+    manager_.applyTextOperation(
+        [&delimiter](std::u16string_view text) { return lineTools::splitText(text, delimiter); });
+}
+
+void LineToolCommands::linesMatchingRegex() {
+    auto choice = promptForOption(dialogs_, u"Lines Matching Regex",
+                                  u"Choose a pattern preset or enter your own.", lineTools::allRegexPresets);
+    if (!choice)
+        return;
+    std::u16string pattern;
+    if (auto preset = lineTools::presetPattern(*choice)) {
+        pattern = *preset;
+    } else {
+        auto answer = promptForTrimmedText(
+            dialogs_, u"Custom Regex",
+            u"Enter a regular expression. Matching lines are copied to the clipboard.", u"^\\d+");
+        if (!answer)
+            return;
+        if (answer->empty()) {
+            manager_.showClipboardAlert(u"Enter a regex pattern.");
+            return;
+        }
+        pattern = std::move(*answer);
+    }
+    // Checked before the clipboard is read, so an empty clipboard still hears about the pattern.
+    if (!lineTools::isValidPattern(pattern)) {
+        manager_.showClipboardAlert(u"Invalid regular expression.");
+        return;
+    }
+    manager_.applyTextOperation([&pattern](std::u16string_view text) {
+        return lineTools::matchingLines(pattern, text).value_or(std::u16string());
+    });
+}
+
+void LineToolCommands::linesContaining() {
+    // Asked before the prompt, from the state the menu was built with: no refresh here.
+    if (!monitor_.hasUsableText()) {
+        manager_.showClipboardAlert(ClipboardManager::missingTextMessage);
+        return;
+    }
+    auto needle = promptForTrimmedText(
+        dialogs_, u"Lines Containing",
+        u"Enter text or a character. Only matching lines are copied to the clipboard.", u"@");
+    if (!needle)
+        return;
+    if (needle->empty()) {
+        manager_.showClipboardAlert(u"Enter text to match.");
+        return;
+    }
+    manager_.applyTextOperation(
+        [&needle](std::u16string_view text) { return lineTools::containingLines(*needle, text); });
+}
+
+void LineToolCommands::findAndReplaceClipboard() {
+    if (!monitor_.hasUsableText()) {
+        manager_.showClipboardAlert(ClipboardManager::missingTextMessage);
+        return;
+    }
+    auto request = dialogs_.promptFindReplace(true);
+    // The find text is taken as typed: spaces are searched for, only an empty field stops here.
+    if (!request || request->find.empty())
+        return;
+    manager_.applyTextOperation(
+        [&request](std::u16string_view text) { return lineTools::replacedText(text, *request); });
+}
+
+} // namespace glyphmill
