@@ -3,7 +3,7 @@
 # rtf-to-text) on the generated inputs of 1 MB and 10 MB, measured with hyperfine. Builds
 # nothing: give it the binaries.
 #
-#   bench/clipboard-throughput.sh [--runs N] [--filter REGEX] path/to/glyphmill path/to/make_clipboard_corpora
+#   bench/clipboard-throughput.sh [--runs N] [--filter REGEX] path/to/glyphmill path/to/make_corpora
 #
 # Prints milliseconds at both sizes, MB/s at 10 MB (1 MB = 1,000,000 bytes of input) on wall and
 # CPU time, and the time of 10 MB over that of 1 MB, which is about 10 for linear work. This
@@ -11,7 +11,7 @@
 set -euo pipefail
 
 usage() {
-    echo "Usage: $0 [--runs N] [--filter REGEX] GLYPHMILL MAKE_CLIPBOARD_CORPORA" >&2
+    echo "Usage: $0 [--runs N] [--filter REGEX] GLYPHMILL MAKE_CORPORA" >&2
     exit 64
 }
 
@@ -94,7 +94,7 @@ measure "lines fix-whitespace" lines txt lines fix-whitespace
 measure "lines replace" lines txt lines replace report summary
 measure "lines replace --match-case" lines txt lines replace --match-case report summary
 measure "stats (lines)" lines txt stats
-measure "stats (prose)" prose txt stats
+measure "stats (prose)" mixed txt stats
 measure "html-to-text" page html html-to-text
 measure "rtf-to-text" document rtf rtf-to-text
 

@@ -1,5 +1,6 @@
 // Writes the benchmark corpora and the 1,000-term list into a directory, for measurements of
-// whole processes such as the command line (see cli-throughput.sh).
+// whole processes such as the command line (see cli-throughput.sh and clipboard-throughput.sh).
+#include "ClipboardCorpus.h"
 #include "Corpus.h"
 
 #include "transform/Utf8.h"
@@ -31,7 +32,8 @@ bool writeFile(const std::filesystem::path &path, const std::string &contents) {
 int main(int argc, char **argv) {
     if (argc != 2 || std::string_view(argv[1]).starts_with('-')) {
         std::cerr << "Usage: make_corpora DIRECTORY\n"
-                     "Writes mixed-SIZE.txt and all-caps-SIZE.txt for SIZE 100KB, 1MB and 10MB, and\n"
+                     "Writes mixed-SIZE.txt and all-caps-SIZE.txt for SIZE 100KB, 1MB and 10MB,\n"
+                     "lines-SIZE.txt, page-SIZE.html and document-SIZE.rtf for SIZE 1MB and 10MB, and\n"
                      "terms-1000.txt (one term a line), creating DIRECTORY if needed.\n";
         return 64;
     }
@@ -50,6 +52,16 @@ int main(int argc, char **argv) {
             if (!writeFile(directory / name, glyphmill::bench::makeCorpus(size.utf8Bytes, lettering)))
                 return 74;
         }
+        // The clipboard text tools: a list of lines, a web page and a word processor's document.
+        if (size.utf8Bytes < 1'000'000)
+            continue;
+        auto path = [&](std::string_view stem, std::string_view extension) {
+            return directory / (std::string(stem) + "-" + std::string(size.name) + std::string(extension));
+        };
+        if (!writeFile(path("lines", ".txt"), glyphmill::bench::makeLineList(size.utf8Bytes)) ||
+            !writeFile(path("page", ".html"), glyphmill::bench::makeHtmlPage(size.utf8Bytes)) ||
+            !writeFile(path("document", ".rtf"), glyphmill::bench::makeRtfDocument(size.utf8Bytes)))
+            return 74;
     }
 
     std::string termLines;
