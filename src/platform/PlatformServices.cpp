@@ -29,4 +29,9 @@ const PlatformServices &platformServices() {
     return installed;
 }
 
+HotKeyGrabber &installedHotKeyGrabber() {
+    requirePresent(installed.hotKeys, "hot key grabber");
+    return *installed.hotKeys;
+}
+
 } // namespace glyphmill

@@ -5,6 +5,7 @@
 namespace glyphmill {
 
 class Dialogs;
+class HotKeyGrabber;
 class KeystrokeSender;
 class LoginItem;
 class Pasteboard;
@@ -16,11 +17,15 @@ struct PlatformServices {
     Dialogs *dialogs = nullptr;
     KeystrokeSender *keystrokes = nullptr;
     LoginItem *loginItem = nullptr;
+    HotKeyGrabber *hotKeys = nullptr;
 };
 
 // Must happen before the first shared controller is made; the objects must outlive the process.
 void installPlatformServices(const PlatformServices &services);
 // Stops the program with a message naming the missing service if it was never installed.
 const PlatformServices &platformServices();
+// The same for the hot-key grabber, which only the hot-key manager needs; the other controllers
+// can be used without one.
+HotKeyGrabber &installedHotKeyGrabber();
 
 } // namespace glyphmill

@@ -4,6 +4,7 @@
 #include "platform/PlatformServices.h"
 #include "platform/linux/QtDialogs.h"
 #include "platform/linux/QtPasteboard.h"
+#include "platform/linux/X11HotKeyGrabber.h"
 #include "platform/linux/XTestKeystrokeSender.h"
 #include "platform/linux/XdgAutostartLoginItem.h"
 
@@ -17,6 +18,7 @@ void installLinuxPlatformServices() {
         .dialogs = new QtDialogs(),
         .keystrokes = new XTestKeystrokeSender(),
         .loginItem = new XdgAutostartLoginItem(),
+        .hotKeys = new X11HotKeyGrabber(),
     };
     installPlatformServices(services);
 }

@@ -39,4 +39,13 @@ void XTestKeystrokeSender::postPasteKeystroke() {
     XFlush(display);
 }
 
+void XTestKeystrokeSender::releaseKeys(std::span<const std::uint8_t> keycodes) {
+    Display *display = x11Display();
+    if (!display || !hasXTest(display) || keycodes.empty())
+        return;
+    for (auto keycode : keycodes)
+        XTestFakeKeyEvent(display, keycode, False, CurrentTime);
+    XFlush(display);
+}
+
 } // namespace glyphmill
