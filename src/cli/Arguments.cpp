@@ -1,5 +1,6 @@
 #include "cli/Arguments.h"
 
+#include "cli/AppCommandLine.h"
 #include "cli/ArgumentScanner.h"
 #include "cli/Failure.h"
 #include "cli/LinesArguments.h"
@@ -11,19 +12,6 @@
 
 namespace glyphmill::cli {
 namespace {
-
-struct KindName {
-    std::string_view name;
-    TextTransformKind kind;
-};
-
-constexpr std::array<KindName, 5> kindNames = {{
-    {"smart-case", TextTransformKind::smartCase},
-    {"title-case", TextTransformKind::titleCase},
-    {"uppercase", TextTransformKind::uppercase},
-    {"lowercase", TextTransformKind::lowercase},
-    {"capitalize-words", TextTransformKind::capitalizeWords},
-}};
 
 struct TermsActionName {
     std::string_view name;
@@ -37,13 +25,6 @@ constexpr std::array<TermsActionName, 4> termsActionNames = {{
     {"remove", TermsAction::remove, HelpTopic::termsRemove},
     {"restore-defaults", TermsAction::restoreDefaults, HelpTopic::termsRestoreDefaults},
 }};
-
-std::optional<TextTransformKind> kindNamed(std::string_view name) {
-    for (const auto &entry : kindNames)
-        if (entry.name == name)
-            return entry.kind;
-    return textTransformKindFromTitle(utf8::decodeLossy(name));
-}
 
 std::optional<bool> booleanNamed(std::string_view text) {
     if (text == "true")
@@ -135,7 +116,7 @@ Invocation parseTransform(std::span<const char *const> arguments) {
 
     if (positionals.empty())
         failUsage("transform needs a KIND: smart-case, title-case, uppercase, lowercase or capitalize-words");
-    auto kind = kindNamed(positionals[0]);
+    auto kind = appCommands::transformKindNamed(positionals[0]);
     if (!kind)
         failUsage("unknown kind " + quoted(positionals[0]) +
                   " (expected smart-case, title-case, uppercase, lowercase or capitalize-words)");
@@ -192,11 +173,28 @@ Invocation parseTerms(std::span<const char *const> arguments) {
     return request;
 }
 
+Invocation parseApplicationCommand(std::span<const char *const> arguments) {
+    appCommands::Parsed parsed = appCommands::parse(arguments);
+    if (parsed.wantsHelp) {
+        std::string_view command = arguments.empty() ? "" : arguments[0];
+        if (command == "clipboard")
+            return ShowHelp{HelpTopic::clipboard};
+        if (command == "service")
+            return ShowHelp{HelpTopic::service};
+        return ShowHelp{HelpTopic::application};
+    }
+    if (parsed.wantsVersion)
+        return ShowVersion{};
+    if (!parsed.request)
+        failUsage(parsed.mistake);
+    return LaunchApplication{};
+}
+
 } // namespace
 
 Invocation parseArguments(std::span<const char *const> arguments) {
-    if (arguments.empty())
-        failUsage("missing command (see glyphmill --help)");
+    if (arguments.empty() || appCommands::isApplicationCommand(arguments[0]))
+        return parseApplicationCommand(arguments);
     std::string_view command = arguments[0];
     auto rest = arguments.subspan(1);
     if (command == "transform")
@@ -217,8 +215,7 @@ Invocation parseArguments(std::span<const char *const> arguments) {
         return ShowVersion{};
     if (command.starts_with('-'))
         failUsage("unknown option " + quoted(command) + " (see glyphmill --help)");
-    failUsage("unknown command " + quoted(command) +
-              " (expected transform, terms, lines, html-to-text, rtf-to-text or stats)");
+    failUsage("unknown command " + quoted(command) + " (see glyphmill --help)");
 }
 
 } // namespace glyphmill::cli

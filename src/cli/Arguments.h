@@ -25,6 +25,9 @@ enum class HelpTopic {
     htmlToText,
     rtfToText,
     stats,
+    application, // the commands the desktop application carries out
+    clipboard,
+    service,
 };
 
 enum class LinesTool {
@@ -103,10 +106,14 @@ struct TextCommandRequest {
     InputSource input;
 };
 
-using Invocation =
-    std::variant<ShowHelp, ShowVersion, TransformRequest, TermsRequest, LinesRequest, TextCommandRequest>;
+// A command for the desktop application: the arguments, checked, go to it unchanged.
+struct LaunchApplication {};
 
-// The arguments after the program name. Throws Failure (usage) on anything it cannot accept;
+using Invocation = std::variant<ShowHelp, ShowVersion, TransformRequest, TermsRequest, LinesRequest,
+                                TextCommandRequest, LaunchApplication>;
+
+// The arguments after the program name; none starts the application. Throws Failure (usage) on anything it
+// cannot accept;
 // --help and --version win over such mistakes, so a confused user can still reach the help.
 Invocation parseArguments(std::span<const char *const> arguments);
 

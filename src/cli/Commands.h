@@ -10,5 +10,8 @@ ExitStatus runTransform(const TransformRequest &request);
 ExitStatus runTerms(const TermsRequest &request);
 ExitStatus runLines(const LinesRequest &request);
 ExitStatus runTextCommand(const TextCommandRequest &request);
+// Replaces this process by the desktop application with the same arguments; returns only by
+// throwing Failure when the application is missing or cannot start.
+[[noreturn]] void launchApplication(char **argv);
 
 } // namespace glyphmill::cli

@@ -12,6 +12,7 @@ enum class ExitStatus : int {
     usage = 64,
     invalidText = 65,
     unreadableInput = 66,
+    unavailable = 69,
     outOfMemory = 71,
     cannotSavePreferences = 73,
     cannotWriteOutput = 74,

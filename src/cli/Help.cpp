@@ -26,13 +26,84 @@ Commands:
   rtf-to-text [FILE]      the visible text of an RTF document
   stats [FILE]            count the lines, words and characters
 
+Commands of the Glyphmill application (see glyphmill palette --help):
+  (none)                  start Glyphmill in the tray
+  palette                 open the floating palette
+  clipboard KIND          transform or reshape the clipboard
+  paste-plain             paste the clipboard as plain text
+  restore                 restore the previous clipboard
+  settings                open the settings
+  capture                 capture text from the screen
+  quit                    quit Glyphmill
+  service KIND            transform standard input for an editor or shortcut
+
 Options:
   -h, --help              show this help (also after any command)
   --version               show the version
 
 Exit status: 0 done, 64 wrong usage, 65 text that is not valid UTF-8 (or a
 refused delimiter, pattern, HTML or RTF document), 66 input that cannot be
-read, 73 preferences that cannot be saved, 74 output that cannot be written.
+read, 69 Glyphmill application not available, 73 preferences that cannot be
+saved, 74 output that cannot be written.
+)";
+
+constexpr std::string_view applicationHelp =
+    R"(Usage: glyphmill [COMMAND]
+
+Without a command, starts Glyphmill in the tray; when it is already running,
+nothing more happens. The commands hand a request to the running Glyphmill,
+starting it first if needed (except quit), so a desktop keyboard shortcut can
+run them.
+
+Commands:
+  palette          open the floating palette
+  clipboard KIND   transform or reshape the clipboard (glyphmill clipboard
+                   --help lists the kinds)
+  paste-plain      paste the clipboard as plain text into the focused window
+  restore          restore the clipboard from before Glyphmill last changed it
+  settings         open the settings
+  capture          capture text from a region of the screen
+  quit             quit the running Glyphmill
+  service KIND     transform standard input to standard output (glyphmill
+                   service --help)
+
+Options:
+  -h, --help       show this help
+  --version        show the version
+
+Exit status: 0 done, 64 wrong usage, 69 Glyphmill not installed, no display
+to start it on, or the request could not be delivered.
+)";
+
+constexpr std::string_view clipboardHelp =
+    R"(Usage: glyphmill clipboard KIND
+
+Changes the text on the clipboard in the running Glyphmill, as its menu does.
+The previous text can be brought back with glyphmill restore.
+
+Kinds:
+  smart-case, title-case, uppercase, lowercase, capitalize-words
+                      transform with your protected terms and switches
+  clear-formatting    keep only the plain text
+  html-to-text        the visible text of HTML
+  sort-lines, remove-duplicates, remove-empty, bullet, fix-whitespace
+                      the line tools
+  number, join, split, matching, containing, find-replace
+                      the line tools that ask a question first
+)";
+
+constexpr std::string_view serviceHelp =
+    R"(Usage: glyphmill service KIND
+
+Transforms standard input and writes the result to standard output, for an
+editor's filter command or a desktop shortcut. The running Glyphmill does the
+work; when none runs, the text is transformed here with the same protected
+terms and switches. White space around the text is kept.
+
+Kinds: smart-case, title-case, uppercase, lowercase, capitalize-words.
+
+Exit status: 0 transformed, 1 blank input (written back unchanged), 64 wrong
+usage, 65 input that is not valid UTF-8, 74 output that cannot be written.
 )";
 
 constexpr std::string_view transformHelpStart =
@@ -238,6 +309,12 @@ std::string helpText(const ShowHelp &request) {
         return std::string(rtfToTextHelp);
     case HelpTopic::stats:
         return std::string(statsHelp);
+    case HelpTopic::application:
+        return std::string(applicationHelp);
+    case HelpTopic::clipboard:
+        return std::string(clipboardHelp);
+    case HelpTopic::service:
+        return std::string(serviceHelp);
     }
     return std::string(overviewHelp);
 }

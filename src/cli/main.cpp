@@ -34,6 +34,8 @@ ExitStatus run(std::span<const char *const> arguments, char **argv) {
         return runLines(*lines);
     if (auto *textCommand = std::get_if<TextCommandRequest>(&invocation))
         return runTextCommand(*textCommand);
+    if (std::holds_alternative<LaunchApplication>(invocation))
+        launchApplication(argv);
     return runTerms(std::get<TermsRequest>(invocation));
 }
 

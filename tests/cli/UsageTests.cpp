@@ -12,7 +12,6 @@ protected:
 
 TEST_F(Usage, MistakesGetOneLineAndStatus64) {
     const std::vector<std::vector<std::string>> mistakes = {
-        {},
         {"frobnicate"},
         {"--frobnicate"},
         {"transform"},
@@ -35,6 +34,14 @@ TEST_F(Usage, MistakesGetOneLineAndStatus64) {
         {"terms", "remove", "a", "b"},
         {"terms", "list", "extra"},
         {"terms", "list", "--all"},
+        // The application's commands are checked before the application is started.
+        {"clipboard"},
+        {"clipboard", "sideways"},
+        {"clipboard", "uppercase", "twice"},
+        {"palette", "now"},
+        {"quit", "--force"},
+        {"service"},
+        {"service", "smart case"},
     };
     for (const auto &arguments : mistakes) {
         std::string line;
@@ -61,6 +68,9 @@ TEST_F(Usage, HelpIsOnEveryLevelAndWinsOverMistakes) {
         {"terms", "remove", "-h"},
         {"terms", "list", "--help"},
         {"terms", "restore-defaults", "--help"},
+        {"palette", "--help"},
+        {"clipboard", "sideways", "--help"},
+        {"service", "-h"},
     };
     for (const auto &arguments : requests) {
         SCOPED_TRACE(arguments.back());
@@ -72,6 +82,11 @@ TEST_F(Usage, HelpIsOnEveryLevelAndWinsOverMistakes) {
     ProcessResult transformHelp = glyphmill.run({"transform", "--help"});
     EXPECT_NE(transformHelp.standardOutput.find("preserveHashtagsAndMentions"), std::string::npos);
     EXPECT_NE(transformHelp.standardOutput.find("\"Capitalize Words\""), std::string::npos);
+    // Every clipboard kind the application takes is listed in the help.
+    const std::string clipboardHelp = glyphmill.run({"clipboard", "--help"}).standardOutput;
+    for (const char *kind : {"smart-case", "capitalize-words", "clear-formatting", "html-to-text",
+                             "remove-duplicates", "fix-whitespace", "matching", "find-replace"})
+        EXPECT_NE(clipboardHelp.find(kind), std::string::npos) << kind;
 
     // After "--" the word is a term, not a request for help.
     ASSERT_EQ(glyphmill.run({"terms", "add", "--", "--help"}).exitStatus, 0);
