@@ -78,7 +78,9 @@ void MenuBarController::install(ProtectedTermsStore &termsStore) {
     // both buttons open the same menu.
     statusItem_->setContextMenu(menu_.get());
     connect(statusItem_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger)
+        // A click soon after the previous one (the one that closed the menu, say) arrives as
+        // a double click; it opens the menu all the same.
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
             openMenuAtPointer();
     });
     statusItem_->show();

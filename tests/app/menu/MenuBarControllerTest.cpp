@@ -105,6 +105,10 @@ TEST_F(MenuTest, ALeftClickOnTheTrayIconOpensTheSameFreshMenu) {
     EXPECT_TRUE(controller.menu()->isVisible());
     EXPECT_TRUE(row("Smart Case")->isEnabled());
     controller.menu()->hide();
+    // A click soon after the one that closed the menu arrives as a double click.
+    emit controller.statusItem()->activated(QSystemTrayIcon::DoubleClick);
+    EXPECT_TRUE(controller.menu()->isVisible());
+    controller.menu()->hide();
 }
 
 TEST_F(MenuTest, AutomaticClearingShowsItsCheckMarkAndTurnsOnAfterTheMenuCloses) {
