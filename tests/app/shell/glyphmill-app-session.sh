@@ -8,51 +8,12 @@
 set -uo pipefail
 
 glyphmill=$1
-if ! command -v gdbus >/dev/null; then
-  echo "gdbus is not installed (scripts/install-deps installs it); skipped" >&2
-  exit 77
-fi
-workdir=$(mktemp -d)
-export XDG_CONFIG_HOME="$workdir/config"
-failures=0
-app_pid=
-cleanup() {
-  [ -n "$app_pid" ] && kill "$app_pid" 2>/dev/null
-  rm -rf "$workdir"
-}
-trap cleanup EXIT
-
-check() { # DESCRIPTION EXPECTED ACTUAL
-  if [ "$2" != "$3" ]; then
-    printf 'FAILED: %s\n  expected: %q\n  actual:   %q\n' "$1" "$2" "$3" >&2
-    failures=$((failures + 1))
-  else
-    printf 'ok: %s\n' "$1"
-  fi
-}
-
-name_has_owner() {
-  gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
-    --method org.freedesktop.DBus.NameHasOwner org.glyphmill.Glyphmill 2>/dev/null | grep -q true
-}
-
-# Waits for a condition, up to about ten seconds; the caller checks the outcome.
-wait_until() {
-  local _
-  for _ in $(seq 100); do
-    "$@" && return 0
-    sleep 0.1
-  done
-  return 1
-}
+source "$(dirname "$0")/session-support.sh"
 
 services() { # METHOD TEXT
   gdbus call --session --dest org.glyphmill.Glyphmill --object-path /org/glyphmill/Glyphmill \
     --method "org.glyphmill.Services.$1" "$2"
 }
-
-set_clipboard() { printf '%s' "$1" | xclip -selection clipboard -in; }
-clipboard() { xclip -selection clipboard -out 2>/dev/null; }
 
 "$glyphmill" terms add zorBlax >/dev/null
 
@@ -116,9 +77,4 @@ wait "$app_pid"
 check "SIGTERM ends it normally" "0 no" "$? $(name_has_owner && echo yes || echo no)"
 app_pid=
 
-if [ "$failures" -ne 0 ]; then
-  echo "--- application log" >&2
-  cat "$workdir/app.log" >&2
-  exit 1
-fi
-echo "all passed"
+finish

@@ -13,44 +13,8 @@ set -uo pipefail
 glyphmill=$1
 paste_target=$2
 hold_chord=$3
-if ! command -v gdbus >/dev/null; then
-  echo "gdbus is not installed (scripts/install-deps installs it); skipped" >&2
-  exit 77
-fi
-workdir=$(mktemp -d)
-export XDG_CONFIG_HOME="$workdir/config"
-failures=0
-app_pid=
-helper_pids=()
-cleanup() {
-  [ -n "$app_pid" ] && kill "$app_pid" 2>/dev/null
-  for pid in "${helper_pids[@]}"; do kill "$pid" 2>/dev/null; done
-  rm -rf "$workdir"
-}
-trap cleanup EXIT
+source "$(dirname "$0")/session-support.sh"
 
-check() { # DESCRIPTION EXPECTED ACTUAL
-  if [ "$2" != "$3" ]; then
-    printf 'FAILED: %s\n  expected: %q\n  actual:   %q\n' "$1" "$2" "$3" >&2
-    failures=$((failures + 1))
-  else
-    printf 'ok: %s\n' "$1"
-  fi
-}
-
-# Waits for a condition, up to about thirty seconds (a sanitizer build is slow); the caller
-# checks the outcome.
-wait_until() {
-  local _
-  for _ in $(seq 300); do
-    "$@" && return 0
-    sleep 0.1
-  done
-  return 1
-}
-
-set_clipboard() { printf '%s' "$1" | xclip -selection clipboard -in; }
-clipboard() { xclip -selection clipboard -out 2>/dev/null; }
 clipboard_is() { [ "$(clipboard)" = "$1" ]; }
 
 # Starts the application and returns once it answers on the bus: the hot keys are grabbed and
@@ -206,9 +170,4 @@ wait_until nothing_is_open
 check "and the menu closes" "closed" "$(nothing_is_open && echo closed)"
 
 stop_app
-if [ "$failures" -ne 0 ]; then
-  echo "--- application log" >&2
-  cat "$workdir/app.log" >&2
-  exit 1
-fi
-echo "all passed"
+finish
