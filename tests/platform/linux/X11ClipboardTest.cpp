@@ -3,10 +3,10 @@
 #include "clipboard/PasteboardText.h"
 #include "platform/linux/QtPasteboard.h"
 #include "platform/linux/XTestKeystrokeSender.h"
+#include "support/SpinUntil.h"
 
 #include <QApplication>
 #include <QBuffer>
-#include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QImage>
 #include <QLineEdit>
@@ -22,20 +22,6 @@ namespace glyphmill {
 namespace {
 
 using Types = std::vector<std::string>;
-
-// Runs the event loop until the condition holds. The deadline only keeps a broken run from
-// hanging; it says nothing about speed.
-bool spinUntil(const std::function<bool()> &condition) {
-    QDeadlineTimer deadline(std::chrono::seconds(30));
-    while (!condition()) {
-        if (deadline.hasExpired())
-            return false;
-        QEventLoop loop;
-        QTimer::singleShot(10, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
-    return true;
-}
 
 // What another program gets when it pastes one target ("" is xclip's default, UTF8_STRING). Our
 // event loop keeps running meanwhile: when we own the clipboard, we are the one who answers.

@@ -3,10 +3,10 @@
 #include "platform/linux/X11HotKeyGrabber.h"
 #include "platform/linux/X11KeyTable.h"
 #include "platform/linux/X11KeyboardMapping.h"
+#include "support/SpinUntil.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QProcess>
 #include <QTimer>
@@ -27,20 +27,6 @@ const KeyboardShortcutChord superShiftT{17, carbonModifier::command | carbonModi
 const KeyboardShortcutChord superShift2{19, carbonModifier::command | carbonModifier::shift};
 const KeyboardShortcutChord superAltShiftV{9, carbonModifier::command | carbonModifier::option |
                                                   carbonModifier::shift};
-
-// Runs the event loop until the condition holds. The deadline only keeps a broken run from
-// hanging; it says nothing about speed.
-bool spinUntil(const std::function<bool()> &condition) {
-    QDeadlineTimer deadline(std::chrono::seconds(30));
-    while (!condition()) {
-        if (deadline.hasExpired())
-            return false;
-        QEventLoop loop;
-        QTimer::singleShot(10, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
-    return true;
-}
 
 void xdotool(const QStringList &arguments) {
     ASSERT_EQ(QProcess::execute("xdotool", arguments), 0) << arguments.join(' ').toStdString();
