@@ -45,76 +45,66 @@ AppSettings &AppSettings::shared() {
     return *instance;
 }
 
-void AppSettings::persistBoolean(std::string_view key, bool value) {
+void AppSettings::writeBoolean(bool &field, std::string_view key, bool value,
+                               void (AppSettings::*changed)(bool)) {
+    field = value;
     userDefaults_.setValue(key, value);
+    emit(this->*changed)(value);
 }
 
 void AppSettings::setLaunchAtLogin(bool value) {
-    launchAtLogin_ = value;
-    persistBoolean(settingsKeys::launchAtLogin, value);
+    writeBoolean(launchAtLogin_, settingsKeys::launchAtLogin, value, &AppSettings::launchAtLoginChanged);
     // A refusal is not reported: the stored choice stays what the user picked.
     if (value)
         loginItem_.registerLoginItem();
     else
         loginItem_.unregisterLoginItem();
-    emit launchAtLoginChanged(value);
 }
 
 void AppSettings::setOnboardingCompleted(bool value) {
-    onboardingCompleted_ = value;
-    persistBoolean(settingsKeys::onboardingCompleted, value);
-    emit onboardingCompletedChanged(value);
+    writeBoolean(onboardingCompleted_, settingsKeys::onboardingCompleted, value,
+                 &AppSettings::onboardingCompletedChanged);
 }
 
 void AppSettings::setPreserveProtectedTerms(bool value) {
-    preserveProtectedTerms_ = value;
-    persistBoolean(settingsKeys::preserveProtectedTerms, value);
-    emit preserveProtectedTermsChanged(value);
+    writeBoolean(preserveProtectedTerms_, settingsKeys::preserveProtectedTerms, value,
+                 &AppSettings::preserveProtectedTermsChanged);
 }
 
 void AppSettings::setPreserveURLs(bool value) {
-    preserveURLs_ = value;
-    persistBoolean(settingsKeys::preserveURLs, value);
-    emit preserveURLsChanged(value);
+    writeBoolean(preserveURLs_, settingsKeys::preserveURLs, value, &AppSettings::preserveURLsChanged);
 }
 
 void AppSettings::setPreserveEmails(bool value) {
-    preserveEmails_ = value;
-    persistBoolean(settingsKeys::preserveEmails, value);
-    emit preserveEmailsChanged(value);
+    writeBoolean(preserveEmails_, settingsKeys::preserveEmails, value, &AppSettings::preserveEmailsChanged);
 }
 
 void AppSettings::setPreserveFilePaths(bool value) {
-    preserveFilePaths_ = value;
-    persistBoolean(settingsKeys::preserveFilePaths, value);
-    emit preserveFilePathsChanged(value);
+    writeBoolean(preserveFilePaths_, settingsKeys::preserveFilePaths, value,
+                 &AppSettings::preserveFilePathsChanged);
 }
 
 void AppSettings::setPreserveHashtagsAndMentions(bool value) {
-    preserveHashtagsAndMentions_ = value;
-    persistBoolean(settingsKeys::preserveHashtagsAndMentions, value);
-    emit preserveHashtagsAndMentionsChanged(value);
+    writeBoolean(preserveHashtagsAndMentions_, settingsKeys::preserveHashtagsAndMentions, value,
+                 &AppSettings::preserveHashtagsAndMentionsChanged);
 }
 
 void AppSettings::setCorrectAllUppercaseProse(bool value) {
-    correctAllUppercaseProse_ = value;
-    persistBoolean(settingsKeys::correctAllUppercaseProse, value);
-    emit correctAllUppercaseProseChanged(value);
+    writeBoolean(correctAllUppercaseProse_, settingsKeys::correctAllUppercaseProse, value,
+                 &AppSettings::correctAllUppercaseProseChanged);
 }
 
 void AppSettings::setAutomaticallyClearFormatting(bool value) {
-    automaticallyClearFormatting_ = value;
-    persistBoolean(settingsKeys::automaticallyClearFormatting, value);
-    emit automaticallyClearFormattingChanged(value);
+    writeBoolean(automaticallyClearFormatting_, settingsKeys::automaticallyClearFormatting, value,
+                 &AppSettings::automaticallyClearFormattingChanged);
     // After this write has returned: the pass may rewrite the clipboard and refresh observers.
     QMetaObject::invokeMethod(
         this, [this] { emit automaticClearingRequested(); }, Qt::QueuedConnection);
 }
 
 void AppSettings::setApplySmartCaseToAllCapsCaptures(bool value) {
-    applySmartCaseToAllCapsCaptures_ = value;
-    persistBoolean(settingsKeys::applySmartCaseToAllCapsCaptures, value);
-    emit applySmartCaseToAllCapsCapturesChanged(value);
+    writeBoolean(applySmartCaseToAllCapsCaptures_, settingsKeys::applySmartCaseToAllCapsCaptures, value,
+                 &AppSettings::applySmartCaseToAllCapsCapturesChanged);
 }
 
 void AppSettings::setPaletteShortcutRegistrationFailed(bool value) {

@@ -126,7 +126,8 @@ signals:
     void automaticClearingRequested();
 
 private:
-    void persistBoolean(std::string_view key, bool value);
+    // Assigns, writes through, then notifies.
+    void writeBoolean(bool &field, std::string_view key, bool value, void (AppSettings::*changed)(bool));
     void persistShortcut(KeyboardShortcutID id);
     void shortcutsDidChange();
 
