@@ -32,19 +32,7 @@ while [[ $# -gt 0 && $1 == --* ]]; do
     *) usage ;;
     esac
 done
-[[ $# -eq 2 ]] || usage
-glyphmill=$(realpath "$1")
-make_corpora=$(realpath "$2")
-[[ -x $glyphmill && -x $make_corpora ]] || { echo "$0: both programs must be executable" >&2; exit 66; }
-command -v hyperfine >/dev/null || { echo "$0: hyperfine is not installed" >&2; exit 69; }
-command -v python3 >/dev/null || { echo "$0: python3 is not installed" >&2; exit 69; }
-
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-"$make_corpora" "$work/corpora" >/dev/null
-
-# hyperfine -N splits a command by the rules of sh, so every argument is quoted for sh.
-quote() { printf "'%s'" "${1//\'/\'\\\'\'}"; }
+source "$(dirname "$0")/throughput-setup.sh"
 
 # One line per measurement: id, input file, hyperfine JSON.
 plan="$work/plan.tsv"
