@@ -35,6 +35,10 @@ public:
                                                         std::u16string_view message,
                                                         std::u16string_view placeholder) = 0;
     virtual std::optional<FindReplaceRequest> promptFindReplace(bool replaceEnabled) = 0;
+    // Informational alert with the application icon and two buttons, the confirming one first;
+    // brings the application to the front. True when the confirming button was pressed.
+    virtual bool confirm(std::u16string_view title, std::u16string_view message,
+                         std::u16string_view confirmTitle, std::u16string_view cancelTitle) = 0;
 };
 
 } // namespace glyphmill

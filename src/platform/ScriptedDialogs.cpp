@@ -57,4 +57,16 @@ std::vector<std::u16string> ScriptedDialogs::alertMessages() const {
     return messages;
 }
 
+bool ScriptedDialogs::confirm(std::u16string_view title, std::u16string_view message,
+                              std::u16string_view confirmTitle, std::u16string_view cancelTitle) {
+    shown_.push_back({Shown::Kind::confirm,
+                      std::u16string(title),
+                      std::u16string(message),
+                      {std::u16string(confirmTitle), std::u16string(cancelTitle)},
+                      0,
+                      {},
+                      false});
+    return takeFront(confirms_, false);
+}
+
 } // namespace glyphmill

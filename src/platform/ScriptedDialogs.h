@@ -11,10 +11,10 @@ namespace glyphmill {
 class ScriptedDialogs final : public Dialogs {
 public:
     struct Shown {
-        enum class Kind { alert, choice, text, findReplace } kind;
+        enum class Kind { alert, choice, text, findReplace, confirm } kind;
         std::u16string title;
         std::u16string message;
-        std::vector<std::u16string> options; // choice only
+        std::vector<std::u16string> options; // choice; confirm: its two button titles
         std::ptrdiff_t defaultIndex = 0;     // choice only
         std::u16string placeholder;          // text only
         bool replaceEnabled = false;         // findReplace only
@@ -27,6 +27,8 @@ public:
     std::optional<std::u16string> promptForText(std::u16string_view title, std::u16string_view message,
                                                 std::u16string_view placeholder) override;
     std::optional<FindReplaceRequest> promptFindReplace(bool replaceEnabled) override;
+    bool confirm(std::u16string_view title, std::u16string_view message, std::u16string_view confirmTitle,
+                 std::u16string_view cancelTitle) override;
 
     void answerChoice(std::ptrdiff_t index) { choices_.push_back({index, false}); }
     void cancelChoice() { choices_.push_back({0, true}); }
@@ -34,6 +36,7 @@ public:
     void cancelText() { texts_.emplace_back(std::nullopt); }
     void answerFindReplace(FindReplaceRequest request) { findReplaces_.emplace_back(std::move(request)); }
     void cancelFindReplace() { findReplaces_.emplace_back(std::nullopt); }
+    void answerConfirm(bool confirmed) { confirms_.push_back(confirmed); }
 
     const std::vector<Shown> &shown() const { return shown_; }
     // The messages of the alerts shown so far, in order.
@@ -43,6 +46,7 @@ private:
     std::deque<ChoiceAnswer> choices_;
     std::deque<std::optional<std::u16string>> texts_;
     std::deque<std::optional<FindReplaceRequest>> findReplaces_;
+    std::deque<bool> confirms_;
     std::vector<Shown> shown_;
 };
 

@@ -16,6 +16,8 @@ public:
     std::optional<std::u16string> promptForText(std::u16string_view title, std::u16string_view message,
                                                 std::u16string_view placeholder) override;
     std::optional<FindReplaceRequest> promptFindReplace(bool replaceEnabled) override;
+    bool confirm(std::u16string_view title, std::u16string_view message, std::u16string_view confirmTitle,
+                 std::u16string_view cancelTitle) override;
 };
 
 } // namespace glyphmill
