@@ -34,4 +34,29 @@ HotKeyGrabber &installedHotKeyGrabber() {
     return *installed.hotKeys;
 }
 
+UrlOpener &installedUrlOpener() {
+    requirePresent(installed.urls, "address opener");
+    return *installed.urls;
+}
+
+SystemLog &installedSystemLog() {
+    requirePresent(installed.log, "system log");
+    return *installed.log;
+}
+
+ScreenCaptureAccess &installedScreenCaptureAccess() {
+    requirePresent(installed.screenAccess, "screen capture access check");
+    return *installed.screenAccess;
+}
+
+ScreenGrabber &installedScreenGrabber() {
+    requirePresent(installed.screenGrabber, "screen grabber");
+    return *installed.screenGrabber;
+}
+
+TextRecognizer &installedTextRecognizer() {
+    requirePresent(installed.textRecognizer, "text recognizer");
+    return *installed.textRecognizer;
+}
+
 } // namespace glyphmill

@@ -10,6 +10,11 @@ class KeystrokeSender;
 class LoginItem;
 class Pasteboard;
 class PreferenceStore;
+class ScreenCaptureAccess;
+class ScreenGrabber;
+class SystemLog;
+class TextRecognizer;
+class UrlOpener;
 
 struct PlatformServices {
     PreferenceStore *preferences = nullptr;
@@ -18,6 +23,11 @@ struct PlatformServices {
     KeystrokeSender *keystrokes = nullptr;
     LoginItem *loginItem = nullptr;
     HotKeyGrabber *hotKeys = nullptr;
+    UrlOpener *urls = nullptr;
+    SystemLog *log = nullptr;
+    ScreenCaptureAccess *screenAccess = nullptr;
+    ScreenGrabber *screenGrabber = nullptr;
+    TextRecognizer *textRecognizer = nullptr;
 };
 
 // Must happen before the first shared controller is made; the objects must outlive the process.
@@ -27,5 +37,11 @@ const PlatformServices &platformServices();
 // The same for the hot-key grabber, which only the hot-key manager needs; the other controllers
 // can be used without one.
 HotKeyGrabber &installedHotKeyGrabber();
+// The same for the services only some controllers need.
+UrlOpener &installedUrlOpener();
+SystemLog &installedSystemLog();
+ScreenCaptureAccess &installedScreenCaptureAccess();
+ScreenGrabber &installedScreenGrabber();
+TextRecognizer &installedTextRecognizer();
 
 } // namespace glyphmill
