@@ -1,0 +1,372 @@
+#include "ui/SettingsSections.h"
+
+#include "platform/PlatformServices.h"
+#include "platform/UrlOpener.h"
+#include "settings/AppSettings.h"
+#include "ui/ShortcutRecorder.h"
+#include "ui/WindowActions.h"
+
+#include <QCheckBox>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace glyphmill {
+
+namespace {
+
+using BoolGetter = bool (AppSettings::*)() const;
+using BoolSetter = void (AppSettings::*)(bool);
+using BoolSignal = void (AppSettings::*)(bool);
+
+QString chordText(const AppSettings &settings, KeyboardShortcutID id) {
+    const auto text = displayString(settings.shortcut(id));
+    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// Secondary-colour text, a little smaller than the body, wrapped to the form's width.
+QLabel *secondaryLabel(const QString &text, qreal scale, QWidget *parent) {
+    auto *label = new QLabel(text, parent);
+    label->setWordWrap(true);
+    label->setTextFormat(Qt::PlainText);
+    QFont font = label->font();
+    if (font.pointSizeF() > 0) {
+        font.setPointSizeF(font.pointSizeF() * scale);
+        label->setFont(font);
+    }
+    // Halfway between text and background reads as secondary in light and dark themes alike.
+    QPalette colours = label->palette();
+    const QColor foreground = colours.color(QPalette::WindowText);
+    const QColor background = colours.color(QPalette::Window);
+    colours.setColor(QPalette::WindowText, QColor((foreground.red() + background.red()) / 2,
+                                                  (foreground.green() + background.green()) / 2,
+                                                  (foreground.blue() + background.blue()) / 2));
+    label->setPalette(colours);
+    return label;
+}
+
+class FormBuilder {
+public:
+    FormBuilder(const SettingsFormContext &context, QWidget *form)
+        : context_(context), settings_(context.settings), form_(form), layout_(new QVBoxLayout(form)) {
+        layout_->setContentsMargins(4, 12, 4, 16);
+        layout_->setSpacing(6);
+    }
+
+    // Header, then the group that the following controls go into.
+    void beginSection(const QString &header) {
+        if (layout_->count() > 0)
+            layout_->addSpacing(14);
+        auto *title = new QLabel(header, form_);
+        QFont font = title->font();
+        font.setBold(true);
+        title->setFont(font);
+        title->setAccessibleName(header);
+        layout_->addWidget(title);
+        group_ = new QFrame(form_);
+        group_->setFrameShape(QFrame::StyledPanel);
+        group_->setAutoFillBackground(true);
+        group_->setBackgroundRole(QPalette::Base);
+        groupLayout_ = new QVBoxLayout(group_);
+        groupLayout_->setContentsMargins(12, 8, 12, 8);
+        groupLayout_->setSpacing(8);
+        layout_->addWidget(group_);
+    }
+
+    QLabel *footer(const QString &text, const QString &objectName) {
+        auto *label = secondaryLabel(text, 0.9, form_);
+        label->setObjectName(objectName);
+        layout_->addWidget(label);
+        return label;
+    }
+
+    QCheckBox *toggle(const QString &title, const QString &accessibleName, BoolGetter get, BoolSetter set,
+                      BoolSignal changed) {
+        auto *box = new QCheckBox(title, group_);
+        box->setAccessibleName(accessibleName);
+        box->setChecked((settings_.*get)());
+        AppSettings *settings = &settings_;
+        QObject::connect(box, &QCheckBox::toggled, box, [settings, set](bool on) { (settings->*set)(on); });
+        QObject::connect(settings, changed, box, [box](bool on) { box->setChecked(on); });
+        groupLayout_->addWidget(box);
+        return box;
+    }
+
+    QPushButton *button(const QString &title, std::function<void()> action) {
+        auto *pushButton = new QPushButton(title, group_);
+        pushButton->setAccessibleName(title);
+        QObject::connect(pushButton, &QPushButton::clicked, pushButton, [action = std::move(action)] {
+            if (action)
+                action();
+        });
+        auto *row = new QHBoxLayout;
+        row->addWidget(pushButton);
+        row->addStretch(1);
+        groupLayout_->addLayout(row);
+        return pushButton;
+    }
+
+    void recorderRow(const QString &title, KeyboardShortcutID id) {
+        groupLayout_->addWidget(new ShortcutRecorderRow(title, id, settings_, context_.monitor, group_));
+    }
+
+    // Shown only while the flag is raised.
+    void failureNote(const QString &text, const QString &objectName, BoolGetter flag, BoolSignal changed) {
+        auto *note = secondaryLabel(text, 0.82, group_);
+        note->setObjectName(objectName);
+        note->setVisible((settings_.*flag)());
+        QObject::connect(&settings_, changed, note, [note](bool raised) { note->setVisible(raised); });
+        groupLayout_->addWidget(note);
+    }
+
+    QWidget *addToGroup(QWidget *widget) {
+        widget->setParent(group_);
+        groupLayout_->addWidget(widget);
+        return widget;
+    }
+
+    // A button styled as a link; disabled when it has nowhere to go.
+    void link(const QString &title, const QString &accessibleName, const QString &hint, std::string address) {
+        auto *linkButton = new QPushButton(title, group_);
+        linkButton->setFlat(true);
+        linkButton->setCursor(Qt::PointingHandCursor);
+        linkButton->setStyleSheet(QStringLiteral("QPushButton { color: palette(link); border: none; "
+                                                 "text-align: left; padding: 0; }"
+                                                 "QPushButton:disabled { color: palette(mid); }"));
+        linkButton->setAccessibleName(accessibleName);
+        if (!hint.isEmpty())
+            linkButton->setAccessibleDescription(hint);
+        linkButton->setEnabled(!address.empty());
+        QObject::connect(linkButton, &QPushButton::clicked, linkButton,
+                         [address = std::move(address)] { installedUrlOpener().openUrl(address); });
+        auto *row = new QHBoxLayout;
+        row->addWidget(linkButton);
+        row->addStretch(1);
+        groupLayout_->addLayout(row);
+    }
+
+    void finish() { layout_->addStretch(1); }
+
+    const SettingsFormContext &context_;
+    AppSettings &settings_;
+    QWidget *form_;
+    QVBoxLayout *layout_;
+    QFrame *group_ = nullptr;
+    QVBoxLayout *groupLayout_ = nullptr;
+};
+
+QString generalFooterText(const AppSettings &settings) {
+    return QStringLiteral("Automatically Clear Formatting replaces copied rich text with plain text. ") +
+           chordText(settings, KeyboardShortcutID::titleCase) +
+           QStringLiteral(" applies Title Case to the clipboard. ") +
+           chordText(settings, KeyboardShortcutID::palette) +
+           QStringLiteral(" opens the floating palette. ") +
+           chordText(settings, KeyboardShortcutID::screenCapture) +
+           QStringLiteral(" captures text from the screen.");
+}
+
+QString screenCaptureFooterText(const AppSettings &settings) {
+    return QStringLiteral("Press ") + chordText(settings, KeyboardShortcutID::screenCapture) +
+           QStringLiteral(
+               " and drag to copy text visible on screen, including images. This uses Screen "
+               "Recording only for that capture. Recognition stays on this Mac and is not retained.");
+}
+
+void buildGeneral(FormBuilder &form) {
+    auto &settings = form.settings_;
+    ProtectedTermsStore *terms = &form.context_.terms;
+    form.beginSection(QStringLiteral("General"));
+    form.toggle(QStringLiteral("Launch at Login"), QStringLiteral("Launch Glyphmill at login"),
+                &AppSettings::launchAtLogin, &AppSettings::setLaunchAtLogin,
+                &AppSettings::launchAtLoginChanged);
+    form.toggle(QStringLiteral("Automatically Clear Formatting"),
+                QStringLiteral("Automatically clear formatting from the clipboard"),
+                &AppSettings::automaticallyClearFormatting, &AppSettings::setAutomaticallyClearFormatting,
+                &AppSettings::automaticallyClearFormattingChanged);
+    form.button(QStringLiteral("Show Welcome Guide"), [terms] {
+        if (const auto &show = windowActions().showWelcomeGuide)
+            show(terms);
+    });
+    auto *footer = form.footer(generalFooterText(settings), QStringLiteral("generalFooter"));
+    const auto update = [footer, &settings] { footer->setText(generalFooterText(settings)); };
+    for (auto changed : {&AppSettings::titleCaseShortcutChanged, &AppSettings::paletteShortcutChanged,
+                         &AppSettings::screenCaptureShortcutChanged})
+        QObject::connect(&settings, changed, footer, update);
+}
+
+void buildKeyboardShortcuts(FormBuilder &form) {
+    auto &monitor = form.context_.monitor;
+    auto &settings = form.settings_;
+    form.beginSection(QStringLiteral("Keyboard Shortcuts"));
+    form.recorderRow(QStringLiteral("Floating Palette"), KeyboardShortcutID::palette);
+    form.recorderRow(QStringLiteral("Title Case"), KeyboardShortcutID::titleCase);
+    form.recorderRow(QStringLiteral("Capture Text from Screen"), KeyboardShortcutID::screenCapture);
+    const auto allCaps = QStringLiteral("Apply Smart Case when captured text is ALL CAPS");
+    form.toggle(allCaps, allCaps, &AppSettings::applySmartCaseToAllCapsCaptures,
+                &AppSettings::setApplySmartCaseToAllCapsCaptures,
+                &AppSettings::applySmartCaseToAllCapsCapturesChanged);
+    form.recorderRow(QStringLiteral("Paste as Plain Text"), KeyboardShortcutID::pastePlainText);
+    form.button(QStringLiteral("Restore Default Shortcuts"), [&monitor, &settings] {
+        monitor.endRecording();
+        settings.restoreDefaultShortcuts();
+    });
+    form.failureNote(
+        QStringLiteral(
+            "The floating palette shortcut could not be registered because another app may be using it."),
+        QStringLiteral("paletteShortcutNote"), &AppSettings::paletteShortcutRegistrationFailed,
+        &AppSettings::paletteShortcutRegistrationFailedChanged);
+    form.failureNote(
+        QStringLiteral(
+            "The Title Case shortcut could not be registered because another app may be using it."),
+        QStringLiteral("titleCaseShortcutNote"), &AppSettings::titleCaseShortcutRegistrationFailed,
+        &AppSettings::titleCaseShortcutRegistrationFailedChanged);
+    form.failureNote(
+        QStringLiteral(
+            "The screen capture shortcut could not be registered because another app may be using it."),
+        QStringLiteral("screenCaptureShortcutNote"), &AppSettings::screenCaptureShortcutRegistrationFailed,
+        &AppSettings::screenCaptureShortcutRegistrationFailedChanged);
+    form.failureNote(
+        QStringLiteral("The Paste as Plain Text shortcut could not be registered because another "
+                       "app may be using it."),
+        QStringLiteral("pastePlainTextShortcutNote"), &AppSettings::pastePlainTextShortcutRegistrationFailed,
+        &AppSettings::pastePlainTextShortcutRegistrationFailedChanged);
+    form.footer(
+        QStringLiteral("Click a shortcut, then press a new combination. Combinations must include "
+                       "Command, Control, or Option. Press Delete to restore that shortcut’s default."),
+        QStringLiteral("keyboardShortcutsFooter"));
+}
+
+void buildSmartCase(FormBuilder &form) {
+    struct Switch {
+        const char16_t *title;
+        BoolGetter get;
+        BoolSetter set;
+        BoolSignal changed;
+    };
+    const Switch switches[] = {
+        {u"Preserve protected terms", &AppSettings::preserveProtectedTerms,
+         &AppSettings::setPreserveProtectedTerms, &AppSettings::preserveProtectedTermsChanged},
+        {u"Preserve URLs", &AppSettings::preserveURLs, &AppSettings::setPreserveURLs,
+         &AppSettings::preserveURLsChanged},
+        {u"Preserve email addresses", &AppSettings::preserveEmails, &AppSettings::setPreserveEmails,
+         &AppSettings::preserveEmailsChanged},
+        {u"Preserve file paths", &AppSettings::preserveFilePaths, &AppSettings::setPreserveFilePaths,
+         &AppSettings::preserveFilePathsChanged},
+        {u"Preserve hashtags and mentions", &AppSettings::preserveHashtagsAndMentions,
+         &AppSettings::setPreserveHashtagsAndMentions, &AppSettings::preserveHashtagsAndMentionsChanged},
+        {u"Correct all-uppercase prose", &AppSettings::correctAllUppercaseProse,
+         &AppSettings::setCorrectAllUppercaseProse, &AppSettings::correctAllUppercaseProseChanged},
+    };
+    form.beginSection(QStringLiteral("Smart Case"));
+    for (const auto &each : switches) {
+        const auto title = QString::fromUtf16(each.title);
+        form.toggle(title, title, each.get, each.set, each.changed);
+    }
+    form.footer(
+        QStringLiteral("Smart Case fixes inconsistent capitalization while protecting brands, links, and "
+                       "similar spans."),
+        QStringLiteral("smartCaseFooter"));
+}
+
+void buildScreenTextCapture(FormBuilder &form) {
+    auto &settings = form.settings_;
+    form.beginSection(QStringLiteral("Screen Text Capture"));
+    form.button(QStringLiteral("Open Screen Recording Settings"), [] {
+        if (const auto &open = windowActions().openScreenRecordingSettings)
+            open();
+    });
+    auto *footer = form.footer(screenCaptureFooterText(settings), QStringLiteral("screenTextCaptureFooter"));
+    QObject::connect(&settings, &AppSettings::screenCaptureShortcutChanged, footer,
+                     [footer, &settings] { footer->setText(screenCaptureFooterText(settings)); });
+}
+
+void buildServices(FormBuilder &form) {
+    form.beginSection(QStringLiteral("Services"));
+    form.button(QStringLiteral("How to Use Services…"), [] {
+        if (const auto &show = windowActions().showServicesHelp)
+            show();
+    });
+    form.button(QStringLiteral("Open Services Shortcuts Settings"), [] {
+        if (const auto &open = windowActions().openKeyboardShortcutsSettings)
+            open();
+    });
+    form.footer(
+        QStringLiteral("Select text in any app, then choose Services → Glyphmill from that app's menu bar "
+                       "or context menu. Services work without special permissions."),
+        QStringLiteral("servicesFooter"));
+}
+
+void buildProtectedTerms(FormBuilder &form) {
+    form.beginSection(QStringLiteral("Protected Terms"));
+    auto *open = new SettingsNavigationButton(QStringLiteral("Protected Terms…"),
+                                              form.context_.showProtectedTermsList);
+    open->setAccessibleName(QStringLiteral("Protected Terms"));
+    open->setAccessibleDescription(QStringLiteral("Opens the list of protected terms"));
+    form.addToGroup(open);
+    form.footer(
+        QStringLiteral("Matching is case-insensitive. Converted text uses the spelling shown in the list."),
+        QStringLiteral("protectedTermsFooter"));
+}
+
+void buildAbout(FormBuilder &form) {
+    const auto &links = form.context_.links;
+    form.beginSection(QStringLiteral("About"));
+    auto *versionRow = new QWidget;
+    auto *row = new QHBoxLayout(versionRow);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(new QLabel(QStringLiteral("Version"), versionRow));
+    row->addStretch(1);
+    auto *version = new QLabel(form.context_.version, versionRow);
+    version->setObjectName(QStringLiteral("versionValue"));
+    version->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    row->addWidget(version);
+    form.addToGroup(versionRow);
+    form.addToGroup(secondaryLabel(
+        QStringLiteral("Screen Text Capture is processed on this Mac and is not retained."), 0.82, nullptr));
+    const auto review = QStringLiteral("Love Glyphmill? Your review helps us grow!");
+    form.link(review, review, QStringLiteral("Opens the App Store so you can write a review"),
+              links.reviewUrl);
+    form.link(QStringLiteral("Feedback / Questions"), QStringLiteral("Send feedback or questions by email"),
+              {}, links.feedbackAddress.empty() ? std::string() : "mailto:" + links.feedbackAddress);
+    form.link(QStringLiteral("More Apps"), QStringLiteral("Visit Quillory website for more apps"), {},
+              links.websiteUrl);
+}
+
+} // namespace
+
+SettingsNavigationButton::SettingsNavigationButton(const QString &title, std::function<void()> action,
+                                                   QWidget *parent)
+    : QPushButton(title, parent) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    const QColor separator = palette().color(QPalette::Mid);
+    setStyleSheet(QStringLiteral("QPushButton { text-align: left; padding: 8px 12px; border-radius: 6px; "
+                                 "color: palette(text); background-color: palette(base); border: 1px solid "
+                                 "rgba(%1, %2, %3, 35%); }"
+                                 "QPushButton:pressed { background-color: palette(midlight); }")
+                      .arg(separator.red())
+                      .arg(separator.green())
+                      .arg(separator.blue()));
+    connect(this, &QPushButton::clicked, this, [action = std::move(action)] {
+        if (action)
+            action();
+    });
+}
+
+QWidget *buildSettingsForm(const SettingsFormContext &context) {
+    auto *form = new QWidget;
+    FormBuilder builder(context, form);
+    buildGeneral(builder);
+    buildKeyboardShortcuts(builder);
+    buildSmartCase(builder);
+    buildScreenTextCapture(builder);
+    buildServices(builder);
+    buildProtectedTerms(builder);
+    buildAbout(builder);
+    builder.finish();
+    return form;
+}
+
+} // namespace glyphmill
