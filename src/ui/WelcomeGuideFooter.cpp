@@ -1,0 +1,104 @@
+#include "ui/WelcomeGuideFooter.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPushButton>
+#include <QShortcut>
+
+namespace glyphmill {
+
+namespace {
+constexpr int dotSize = 7;
+constexpr int dotSpacing = 6;
+} // namespace
+
+DefaultActionShortcut::DefaultActionShortcut(QPushButton &button)
+    : QObject(&button), button_(button), returnKey_(new QShortcut(QKeySequence(Qt::Key_Return), &button)),
+      enterKey_(new QShortcut(QKeySequence(Qt::Key_Enter), &button)) {
+    for (QShortcut *key : {returnKey_, enterKey_}) {
+        key->setContext(Qt::WindowShortcut);
+        connect(key, &QShortcut::activated, this, [this] {
+            if (button_.isVisible() && button_.isEnabled())
+                button_.click();
+        });
+    }
+    setEnabled(true);
+}
+
+void DefaultActionShortcut::setEnabled(bool enabled) {
+    enabled_ = enabled;
+    returnKey_->setEnabled(enabled);
+    enterKey_->setEnabled(enabled);
+    button_.setDefault(enabled);
+}
+
+PageDots::PageDots(int pageCount, QWidget *parent) : QWidget(parent), pageCount_(pageCount) {
+    setFixedSize(pageCount * dotSize + (pageCount - 1) * dotSpacing, dotSize);
+    setPage(0);
+}
+
+void PageDots::setPage(int page) {
+    page_ = page;
+    setAccessibleName(QStringLiteral("Step %1 of %2").arg(page + 1).arg(pageCount_));
+    update();
+}
+
+void PageDots::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    QColor other = palette().color(QPalette::WindowText);
+    other.setAlphaF(0.35f * 0.65f);
+    for (int index = 0; index < pageCount_; ++index) {
+        painter.setBrush(index == page_ ? palette().color(QPalette::Highlight) : other);
+        painter.drawEllipse(QRectF(index * (dotSize + dotSpacing), 0, dotSize, dotSize));
+    }
+}
+
+WelcomeGuideFooter::WelcomeGuideFooter(QWidget *parent) : QWidget(parent) {
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(16, 12, 16, 12);
+    layout->setSpacing(12);
+
+    back_ = new QPushButton(QStringLiteral("Back"), this);
+    back_->setAutoDefault(false);
+    // Keeps its place while hidden on the first page, so the dots do not move.
+    QSizePolicy keepsSpace = back_->sizePolicy();
+    keepsSpace.setRetainSizeWhenHidden(true);
+    back_->setSizePolicy(keepsSpace);
+    layout->addWidget(back_);
+    layout->addStretch(1);
+    layout->addSpacing(8 - layout->spacing());
+
+    dots_ = new PageDots(pageCount, this);
+    layout->addWidget(dots_, 0, Qt::AlignVCenter);
+    layout->addSpacing(8 - layout->spacing());
+    layout->addStretch(1);
+
+    openSettings_ = new QPushButton(QStringLiteral("Open Settings"), this);
+    openSettings_->setAutoDefault(false);
+    layout->addWidget(openSettings_);
+    primary_ = new QPushButton(this);
+    primary_->setAutoDefault(false);
+    layout->addWidget(primary_);
+    defaultAction_ = new DefaultActionShortcut(*primary_);
+
+    connect(back_, &QPushButton::clicked, this, &WelcomeGuideFooter::backRequested);
+    connect(openSettings_, &QPushButton::clicked, this, &WelcomeGuideFooter::openSettingsRequested);
+    connect(primary_, &QPushButton::clicked, this, &WelcomeGuideFooter::primaryRequested);
+    setPage(0);
+}
+
+void WelcomeGuideFooter::setPage(int page) {
+    const bool first = page == 0;
+    back_->setEnabled(!first);
+    back_->setVisible(!first);
+    dots_->setPage(page);
+    const bool last = page == pageCount - 1;
+    openSettings_->setVisible(last);
+    primary_->setText(last ? QStringLiteral("Start Using Glyphmill") : QStringLiteral("Continue"));
+    // On the sample page Return belongs to the text editor.
+    defaultAction_->setEnabled(page != 1);
+}
+
+} // namespace glyphmill
