@@ -46,8 +46,6 @@ public:
     // The keyboard shortcut page of the running desktop's own settings, where it has one;
     // nothing happens otherwise, and a failure to open is silent.
     static void openKeyboardShortcutsSettings();
-    // The program and arguments that open that page, for an XDG_CURRENT_DESKTOP value.
-    static std::optional<QStringList> keyboardShortcutsSettingsCommand(const QString &currentDesktop);
 
 private:
     ProtectedTermsStore &termsStore_;

@@ -1,42 +1,18 @@
 // The help alert of the Services and the way to the desktop's keyboard shortcut settings.
 #include "app/SelectionServicesProvider.h"
 
+#include "platform/PlatformServices.h"
+#include "platform/UrlOpener.h"
+
 #include <QApplication>
 #include <QMessageBox>
-#include <QProcess>
 #include <QPushButton>
 
 namespace glyphmill {
-namespace {
-
-struct DesktopSettings {
-    QLatin1String desktop; // as XDG_CURRENT_DESKTOP names it
-    QStringList command;
-};
-
-} // namespace
-
-std::optional<QStringList>
-SelectionServicesProvider::keyboardShortcutsSettingsCommand(const QString &currentDesktop) {
-    const DesktopSettings known[] = {
-        {QLatin1String("GNOME"), {QStringLiteral("gnome-control-center"), QStringLiteral("keyboard")}},
-        {QLatin1String("KDE"), {QStringLiteral("systemsettings"), QStringLiteral("kcm_keys")}},
-        {QLatin1String("XFCE"), {QStringLiteral("xfce4-keyboard-settings")}},
-        {QLatin1String("X-Cinnamon"), {QStringLiteral("cinnamon-settings"), QStringLiteral("keyboard")}},
-        {QLatin1String("MATE"), {QStringLiteral("mate-keybinding-properties")}},
-    };
-    // A colon-separated list, most specific first ("ubuntu:GNOME").
-    for (const QString &name : currentDesktop.split(QLatin1Char(':'), Qt::SkipEmptyParts))
-        for (const auto &entry : known)
-            if (name.compare(entry.desktop, Qt::CaseInsensitive) == 0)
-                return entry.command;
-    return std::nullopt;
-}
 
 void SelectionServicesProvider::openKeyboardShortcutsSettings() {
-    auto command = keyboardShortcutsSettingsCommand(qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
-    if (command)
-        QProcess::startDetached(command->front(), command->mid(1));
+    // The address opener turns this into the desktop's own keyboard shortcut page, if any.
+    installedUrlOpener().openUrl("x-apple.systempreferences:com.apple.Keyboard-Settings.extension");
 }
 
 void SelectionServicesProvider::showServicesHelp() {

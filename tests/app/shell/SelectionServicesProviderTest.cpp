@@ -91,17 +91,5 @@ TEST_F(SelectionServices, BusMethodsAnswerHandledAndTheText) {
     EXPECT_EQ(result, QStringLiteral(" \n "));
 }
 
-TEST(KeyboardShortcutsSettings, FollowTheDesktopNamedFirstThatIsKnown) {
-    using Provider = SelectionServicesProvider;
-    EXPECT_EQ(Provider::keyboardShortcutsSettingsCommand(QStringLiteral("ubuntu:GNOME")),
-              (QStringList{QStringLiteral("gnome-control-center"), QStringLiteral("keyboard")}));
-    EXPECT_EQ(Provider::keyboardShortcutsSettingsCommand(QStringLiteral("kde")),
-              (QStringList{QStringLiteral("systemsettings"), QStringLiteral("kcm_keys")}));
-    EXPECT_EQ(Provider::keyboardShortcutsSettingsCommand(QStringLiteral("Budgie:XFCE:GNOME")),
-              QStringList{QStringLiteral("xfce4-keyboard-settings")});
-    EXPECT_EQ(Provider::keyboardShortcutsSettingsCommand(QStringLiteral("openbox")), std::nullopt);
-    EXPECT_EQ(Provider::keyboardShortcutsSettingsCommand(QString()), std::nullopt);
-}
-
 } // namespace
 } // namespace glyphmill
