@@ -11,7 +11,7 @@ namespace glyphmill {
 
 class InMemoryScreenGrabber final : public ScreenGrabber {
 public:
-    std::optional<ScreenImage> grabScreen(const ScreenArea &screen) override {
+    std::optional<ScreenImage> grabScreen(const ScreenToGrab &screen) override {
         requested.push_back(screen);
         if (refuses)
             return std::nullopt;
@@ -26,7 +26,7 @@ public:
 
     bool refuses = false;
     std::uint32_t fill = 0xFFFFFFFF;
-    std::vector<ScreenArea> requested;
+    std::vector<ScreenToGrab> requested;
 };
 
 } // namespace glyphmill

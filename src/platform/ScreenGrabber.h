@@ -9,7 +9,7 @@ namespace glyphmill {
 
 // A screen as the window system lays it out: its place in the screen list, its frame in
 // points (top-left origin, y growing downward) and its device pixels per point.
-struct ScreenArea {
+struct ScreenToGrab {
     int index = 0;
     double x = 0;
     double y = 0;
@@ -22,7 +22,7 @@ class ScreenGrabber {
 public:
     virtual ~ScreenGrabber() = default;
     // None when the system refuses to hand out the screen's pixels.
-    virtual std::optional<ScreenImage> grabScreen(const ScreenArea &screen) = 0;
+    virtual std::optional<ScreenImage> grabScreen(const ScreenToGrab &screen) = 0;
 };
 
 } // namespace glyphmill
