@@ -53,7 +53,9 @@ cleanup() {
 }
 trap cleanup EXIT
 export XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data"
-mkdir -p "$XDG_CONFIG_HOME" "$XDG_DATA_HOME"
+mkdir -p "$XDG_CONFIG_HOME/glyphmill" "$XDG_DATA_HOME"
+# First runs in all but the welcome guide, which would open a window beside the icon.
+(umask 077 && printf '{"onboardingCompletedV11": true}\n' >"$XDG_CONFIG_HOME/glyphmill/preferences.json")
 
 here=$(dirname "$(realpath "$0")")
 probe="$work/x11_probe"

@@ -10,6 +10,7 @@
 #include "settings/AppSettings.h"
 
 #include <QCoreApplication>
+#include <QTimer>
 
 namespace glyphmill {
 
@@ -39,6 +40,7 @@ void ApplicationDelegate::withdrawFromBus(QDBusConnection &bus) {
 }
 
 void ApplicationDelegate::applicationDidFinishLaunching() {
+    shellPieces::installWindowActions();
     shellPieces::installMenuBar(termsStore_);
     shellPieces::giveTermsStoreToPalette(termsStore_);
     ClipboardMonitor::shared().start();
@@ -46,6 +48,8 @@ void ApplicationDelegate::applicationDidFinishLaunching() {
     shellPieces::registerHotKeys();
     servicesProvider_ = std::make_unique<SelectionServicesProvider>(termsStore_, AppSettings::shared());
     servicesAdaptor_->setProvider(servicesProvider_.get());
+    // Once the application runs: the guide is the first thing a new user sees.
+    QTimer::singleShot(0, this, [this] { shellPieces::showWelcomeGuideIfNeeded(termsStore_); });
 }
 
 void ApplicationDelegate::applicationDidBecomeActive() {

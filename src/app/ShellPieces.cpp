@@ -1,19 +1,53 @@
-// Each function is where its controller plugs in. Those whose controller is not part of this
-// build do nothing, and the commands that need one answer that it is not available.
+// Each function is where its controller plugs in.
 #include "app/ShellPieces.h"
 
 #include "app/SelectionServicesProvider.h"
 #include "app/menu/FloatingPaletteController.h"
 #include "app/menu/MenuBarController.h"
+#include "capture/ScreenRecordingPermission.h"
+#include "capture/ScreenTextCaptureCoordinator.h"
 #include "settings/AppSettings.h"
 #include "settings/HotKeyManager.h"
+#include "ui/SettingsWindow.h"
+#include "ui/WelcomeGuide.h"
+#include "ui/WindowActions.h"
 
 namespace glyphmill::shellPieces {
 
+namespace {
+// The delegate's store, which the settings window opened by a command works on.
+ProtectedTermsStore *applicationTermsStore = nullptr;
+
+void startCapture() {
+    ScreenTextCaptureCoordinator::shared().startCapture();
+}
+} // namespace
+
 void installMenuBar(ProtectedTermsStore &termsStore) {
-    MenuBarController::shared().install(termsStore);
+    applicationTermsStore = &termsStore;
+    auto &menuBar = MenuBarController::shared();
+    menuBar.setScreenCaptureStarter(startCapture);
+    menuBar.setSettingsOpener([](ProtectedTermsStore *store) {
+        if (store)
+            glyphmill::showSettingsWindow(*store);
+    });
+    menuBar.install(termsStore);
     // A change of the chords changes the menu's hints.
     AppSettings::shared().setMenuRebuild(rebuildMenu);
+}
+
+void installWindowActions() {
+    glyphmill::installWindowActions({
+        .showSettingsWindow = [](ProtectedTermsStore &store) { glyphmill::showSettingsWindow(store); },
+        .showWelcomeGuide = [](ProtectedTermsStore *store) { glyphmill::showWelcomeGuide(store); },
+        .showServicesHelp = SelectionServicesProvider::showServicesHelp,
+        .openKeyboardShortcutsSettings = SelectionServicesProvider::openKeyboardShortcutsSettings,
+        .openScreenRecordingSettings = [] { openScreenRecordingSettings(); },
+    });
+}
+
+void showWelcomeGuideIfNeeded(ProtectedTermsStore &termsStore) {
+    glyphmill::showWelcomeGuideIfNeeded(termsStore);
 }
 
 void rebuildMenu() {
@@ -30,7 +64,9 @@ void giveTermsStoreToPalette(ProtectedTermsStore &termsStore) {
 
 void connectHotKeyCallbacks() {
     // The manager already runs its callbacks as main-thread tasks.
-    HotKeyManager::shared().onOpenPalette = [] { FloatingPaletteController::shared().show(); };
+    auto &hotKeys = HotKeyManager::shared();
+    hotKeys.onOpenPalette = [] { FloatingPaletteController::shared().show(); };
+    hotKeys.onCaptureScreen = startCapture;
 }
 
 void registerHotKeys() {
@@ -41,7 +77,9 @@ void unregisterHotKeys() {
     HotKeyManager::shared().unregisterHotKeys();
 }
 
-void cancelScreenCapture() {}
+void cancelScreenCapture() {
+    ScreenTextCaptureCoordinator::shared().cancelCapture();
+}
 
 void closeFloatingPalette() {
     FloatingPaletteController::shared().close();
@@ -53,11 +91,15 @@ bool showFloatingPalette() {
 }
 
 bool showSettingsWindow() {
-    return false;
+    if (!applicationTermsStore)
+        return false;
+    glyphmill::showSettingsWindow(*applicationTermsStore);
+    return true;
 }
 
 bool startScreenCapture() {
-    return false;
+    startCapture();
+    return true;
 }
 
 } // namespace glyphmill::shellPieces

@@ -14,6 +14,10 @@ void installMenuBar(ProtectedTermsStore &termsStore);
 // When the application is woken again: the menu is rebuilt if it exists.
 void rebuildMenu();
 void giveTermsStoreToPalette(ProtectedTermsStore &termsStore);
+// What the windows start elsewhere: each other, the Services help, the desktop's settings pages.
+void installWindowActions();
+// The welcome guide, unless the user has been through it.
+void showWelcomeGuideIfNeeded(ProtectedTermsStore &termsStore);
 // The hot-key callbacks (open the palette, start a capture) and the registration of the keys.
 void connectHotKeyCallbacks();
 void registerHotKeys();

@@ -14,8 +14,11 @@
 #include <QLibraryInfo>
 #include <QTimer>
 
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <span>
 
@@ -113,9 +116,21 @@ int runApplication(const appCommands::Request &request) {
     return status;
 }
 
+// Text recognition runs on OpenMP, which reads its thread limit once, while the libraries load,
+// and on a small machine is several times slower with a thread per core. So the limit has to be
+// in the environment the process starts with: without it, start again with it.
+void startWithOneRecognitionThread(char **argv) {
+    if (std::getenv("OMP_THREAD_LIMIT"))
+        return;
+    ::setenv("OMP_THREAD_LIMIT", "1", 1);
+    ::execv("/proc/self/exe", argv);
+    // Still here: run as we are, only slower.
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
+    startWithOneRecognitionThread(argv);
     std::signal(SIGPIPE, SIG_IGN);
     const appCommands::Parsed parsed = appCommands::parse(
         std::span<const char *const>(argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)));

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -30,7 +31,9 @@ void launchApplication(char **argv) {
     for (const auto &candidate : applicationCandidates(self)) {
         if (::access(candidate.c_str(), X_OK) != 0)
             continue;
-        // The same arguments; only the program changes.
+        // The same arguments; only the program changes. The application reads this limit at load
+        // time (see its main); setting it here spares it a restart.
+        ::setenv("OMP_THREAD_LIMIT", "1", 0);
         argv[0] = const_cast<char *>(candidate.c_str());
         ::execv(candidate.c_str(), argv);
         fail(ExitStatus::unavailable, "cannot start " + candidate.string() + ": " + std::strerror(errno));

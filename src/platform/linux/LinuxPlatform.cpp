@@ -2,9 +2,14 @@
 
 #include "platform/JsonFilePreferenceStore.h"
 #include "platform/PlatformServices.h"
+#include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/QtDialogs.h"
 #include "platform/linux/QtPasteboard.h"
+#include "platform/linux/QtScreenGrabber.h"
+#include "platform/linux/SyslogSystemLog.h"
+#include "platform/linux/TesseractTextRecognizer.h"
 #include "platform/linux/X11HotKeyGrabber.h"
+#include "platform/linux/X11ScreenCaptureAccess.h"
 #include "platform/linux/XTestKeystrokeSender.h"
 #include "platform/linux/XdgAutostartLoginItem.h"
 
@@ -19,6 +24,11 @@ void installLinuxPlatformServices() {
         .keystrokes = new XTestKeystrokeSender(),
         .loginItem = new XdgAutostartLoginItem(),
         .hotKeys = new X11HotKeyGrabber(),
+        .urls = new DesktopUrlOpener(),
+        .log = new SyslogSystemLog(),
+        .screenAccess = new X11ScreenCaptureAccess(),
+        .screenGrabber = new QtScreenGrabber(),
+        .textRecognizer = new TesseractTextRecognizer(),
     };
     installPlatformServices(services);
 }
