@@ -5,9 +5,17 @@
 //                                           reparented into trayer's window and mapped
 //   x11_probe chord                         press Shift+Super+T through XTest; wait until another
 //                                           client takes the CLIPBOARD selection
+//   x11_probe capture PID SCREENS X1 Y1 X2 Y2
+//                                           press Shift+Super+2; wait until PID has mapped SCREENS
+//                                           screen-sized windows (the overlay), drag from X1,Y1 to
+//                                           X2,Y2 and release; wait until a client takes CLIPBOARD
+//                                           and PID maps a small window (the status bubble)
 //
 // Prints milliseconds (and for launch, the process id) on standard output; exits 1 after ten
-// seconds without the event.
+// seconds without the event (two minutes for the recognition after a capture drag). capture prints
+// three figures: key press to the first overlay window mapped, button release to the clipboard
+// taken, button release to the bubble mapped; "-" for the clipboard when the bubble came without it
+// (no text found), with exit status 3.
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -20,6 +28,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 
@@ -146,6 +155,141 @@ int chord(Display *display) {
     return 1;
 }
 
+// The process id a window was made by, from _NET_WM_PID; 0 when it has none.
+long windowPid(Display *display, Window window) {
+    const Atom pidAtom = XInternAtom(display, "_NET_WM_PID", False);
+    Atom type = 0;
+    int format = 0;
+    unsigned long count = 0, after = 0;
+    unsigned char *data = nullptr;
+    long pid = 0;
+    if (XGetWindowProperty(display, window, pidAtom, 0, 1, False, XA_CARDINAL, &type, &format, &count, &after,
+                           &data) == Success &&
+        data != nullptr && format == 32 && count == 1)
+        pid = *reinterpret_cast<long *>(data);
+    if (data)
+        XFree(data);
+    return pid;
+}
+
+// The window of pid that a newly mapped top-level window is or holds (a window manager's frame holds
+// the client one or two levels down); 0 when it is someone else's.
+Window clientOf(Display *display, Window window, long pid, int depth = 0) {
+    if (windowPid(display, window) == pid)
+        return window;
+    if (depth == 2)
+        return 0;
+    Window rootReturned = 0, parent = 0, *children = nullptr;
+    unsigned count = 0;
+    if (XQueryTree(display, window, &rootReturned, &parent, &children, &count) == 0)
+        return 0;
+    Window found = 0;
+    for (unsigned i = 0; i < count && found == 0; ++i)
+        found = clientOf(display, children[i], pid, depth + 1);
+    if (children)
+        XFree(children);
+    return found;
+}
+
+enum class Shown { other, overlay, bubble };
+
+Shown classify(Display *display, const XEvent &event, long pid) {
+    if (event.type != MapNotify)
+        return Shown::other;
+    const Window client = clientOf(display, event.xmap.window, pid);
+    XWindowAttributes attributes{};
+    if (client == 0 || XGetWindowAttributes(display, client, &attributes) == 0)
+        return Shown::other;
+    if (attributes.width >= 640 && attributes.height >= 480)
+        return Shown::overlay;
+    if (attributes.width <= 400 && attributes.height <= 120)
+        return Shown::bubble;
+    return Shown::other;
+}
+
+// A window may be gone by the time it is looked at; that is no reason to stop.
+int ignoreErrors(Display *, XErrorEvent *) {
+    return 0;
+}
+
+int capture(Display *display, char **arguments) {
+    XSetErrorHandler(ignoreErrors);
+    const long pid = std::atol(arguments[0]);
+    const int screens = std::atoi(arguments[1]);
+    const int x1 = std::atoi(arguments[2]), y1 = std::atoi(arguments[3]);
+    const int x2 = std::atoi(arguments[4]), y2 = std::atoi(arguments[5]);
+    int eventBase = 0, errorBase = 0;
+    if (XFixesQueryExtension(display, &eventBase, &errorBase) == 0) {
+        std::fprintf(stderr, "x11_probe: no XFixes\n");
+        return 2;
+    }
+    const Window root = DefaultRootWindow(display);
+    const Atom clipboard = XInternAtom(display, "CLIPBOARD", False);
+    XSelectInput(display, root, SubstructureNotifyMask);
+    XFixesSelectSelectionInput(display, root, clipboard, XFixesSetSelectionOwnerNotifyMask);
+    XSync(display, False);
+
+    sendKey(display, XK_Shift_L, true);
+    sendKey(display, XK_Super_L, true);
+    XSync(display, False);
+    const double pressed = nowMs();
+    sendKey(display, XK_2, true);
+    XFlush(display);
+    sendKey(display, XK_2, false);
+    sendKey(display, XK_Super_L, false);
+    sendKey(display, XK_Shift_L, false);
+    XFlush(display);
+    double overlayMs = -1;
+    int overlays = 0;
+    XEvent event{};
+    while (overlays < screens && nextEvent(display, event, pressed + 10000)) {
+        if (classify(display, event, pid) == Shown::overlay && ++overlays == 1)
+            overlayMs = nowMs() - pressed;
+    }
+    if (overlays < screens) {
+        std::fprintf(stderr, "x11_probe: %d of %d overlay windows after ten seconds\n", overlays, screens);
+        return 1;
+    }
+    // Let the overlay finish setting itself up, so the release is timed on an idle application.
+    const double settled = nowMs() + 300;
+    while (nextEvent(display, event, settled)) {
+    }
+
+    XTestFakeMotionEvent(display, -1, x1, y1, CurrentTime);
+    XTestFakeButtonEvent(display, 1, True, CurrentTime);
+    constexpr int steps = 8;
+    for (int i = 1; i <= steps; ++i)
+        XTestFakeMotionEvent(display, -1, x1 + (x2 - x1) * i / steps, y1 + (y2 - y1) * i / steps,
+                             CurrentTime);
+    XSync(display, False);
+    usleep(50000);
+    while (XPending(display) > 0)
+        XNextEvent(display, &event);
+    const double released = nowMs();
+    XTestFakeButtonEvent(display, 1, False, CurrentTime);
+    XFlush(display);
+    double clipboardMs = -1, bubbleMs = -1;
+    while (bubbleMs < 0 && nextEvent(display, event, released + 120000)) {
+        if (event.type == eventBase + XFixesSelectionNotify) {
+            const auto &notify = reinterpret_cast<const XFixesSelectionNotifyEvent &>(event);
+            if (notify.selection == clipboard && notify.owner != 0 && clipboardMs < 0)
+                clipboardMs = nowMs() - released;
+        } else if (classify(display, event, pid) == Shown::bubble) {
+            bubbleMs = nowMs() - released;
+        }
+    }
+    if (bubbleMs < 0) {
+        std::fprintf(stderr, "x11_probe: no status bubble within two minutes of the release\n");
+        return 1;
+    }
+    if (clipboardMs < 0) {
+        std::printf("%.3f - %.3f\n", overlayMs, bubbleMs);
+        return 3;
+    }
+    std::printf("%.3f %.3f %.3f\n", overlayMs, clipboardMs, bubbleMs);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -158,6 +302,9 @@ int main(int argc, char **argv) {
         return launch(display, argv + 2);
     if (argc == 2 && std::strcmp(argv[1], "chord") == 0)
         return chord(display);
-    std::fprintf(stderr, "usage: x11_probe launch COMMAND [ARGUMENT...] | x11_probe chord\n");
+    if (argc == 8 && std::strcmp(argv[1], "capture") == 0)
+        return capture(display, argv + 2);
+    std::fprintf(stderr, "usage: x11_probe launch COMMAND [ARGUMENT...] | x11_probe chord |\n"
+                         "       x11_probe capture PID SCREENS X1 Y1 X2 Y2\n");
     return 64;
 }

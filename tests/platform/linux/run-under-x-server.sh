@@ -5,6 +5,9 @@
 #
 #   run-under-x-server.sh COMMAND [ARGUMENT...]
 #
+# GLYPHMILL_TEST_SCREEN sets the screen's WIDTHxHEIGHTxDEPTH (1600x900x24 unless set); a wider
+# screen can then be split into monitors with xrandr --setmonitor.
+#
 # Exits with the command's status, or 77 (CTest's "skipped") when a tool is not installed.
 set -euo pipefail
 
@@ -50,7 +53,7 @@ fail() {
 # Xvfb chooses a free display number itself and writes it to descriptor 3 once it listens, so
 # parallel runs and an X server already on :99 do not get in each other's way. Without -noreset
 # it resets when the last client leaves (xdpyinfo below) and refuses whoever connects meanwhile.
-Xvfb -displayfd 3 -screen 0 1600x900x24 -nolisten tcp -noreset 3>"$workdir/display" >"$workdir/xvfb.log" 2>&1 &
+Xvfb -displayfd 3 -screen 0 "${GLYPHMILL_TEST_SCREEN:-1600x900x24}" -nolisten tcp -noreset 3>"$workdir/display" >"$workdir/xvfb.log" 2>&1 &
 pids+=($!)
 wait_for grep -q '^[0-9]' "$workdir/display" || fail "Xvfb did not start"
 DISPLAY=":$(head -n 1 "$workdir/display")"
