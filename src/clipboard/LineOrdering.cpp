@@ -1,6 +1,8 @@
 // The tools that compare whole lines with one another: sorting and removing duplicates.
 #include "clipboard/LineTools.h"
 
+#include "clipboard/LocaleCollator.h"
+
 #include <unicode/coll.h>
 #include <unicode/locid.h>
 #include <unicode/normalizer2.h>
@@ -19,26 +21,6 @@ namespace {
 
 icu::UnicodeString aliasOf(std::u16string_view text) {
     return icu::UnicodeString(false, text.data(), int32_t(text.size()));
-}
-
-// The order of a file browser: digit runs by value, letters without regard to case, in the
-// user's locale. Under the C locale ICU picks en_US_POSIX, whose tailoring sorts every capital
-// before every small letter; the root order is used instead.
-std::unique_ptr<icu::Collator> fileBrowserCollator() {
-    icu::Locale locale = icu::Locale::getDefault();
-    if (std::strcmp(locale.getVariant(), "POSIX") == 0)
-        locale = icu::Locale::getRoot();
-    UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(locale, status));
-    if (U_FAILURE(status) || !collator) {
-        status = U_ZERO_ERROR;
-        collator.reset(icu::Collator::createInstance(icu::Locale::getRoot(), status));
-        if (U_FAILURE(status))
-            return nullptr;
-    }
-    collator->setAttribute(UCOL_NUMERIC_COLLATION, UCOL_ON, status);
-    collator->setStrength(icu::Collator::SECONDARY);
-    return collator;
 }
 
 // Every line's sort key, made once, in one buffer. The sort moves entries that carry the first
@@ -164,7 +146,8 @@ bool isPlainlyDecomposed(std::u16string_view line) {
 
 std::u16string sortedLines(std::u16string_view text) {
     const BrokenLines broken = breakLines(text);
-    std::unique_ptr<icu::Collator> collator = fileBrowserCollator();
+    // Letter case does not count; accents only between otherwise equal lines.
+    std::unique_ptr<icu::Collator> collator = numericLocaleCollator(icu::Collator::SECONDARY);
     if (!collator)
         return std::u16string(text);
     const SortKeys keys(*collator, broken.lines);
