@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The tray application on a desktop, used as a person would: the icon docks in the tray, the hot
 # keys transform and paste, the palette opens at the pointer and its buttons work, the tray icon
-# opens the menu, and a hot key another program holds stays with that program. Runs inside
+# opens the menu, a hot key another program holds stays with that program, the settings window
+# opens on command and the welcome guide at the first start. Runs inside
 # run-under-x-server.sh (Xvfb, openbox, trayer and a private D-Bus session).
 #
 #   glyphmill-desktop-session.sh PATH/TO/glyphmill PATH/TO/paste-target PATH/TO/hold-chord
@@ -168,6 +169,34 @@ wait_until clipboard_is "$(printf 'FIRST LINE\nSECOND LINE')"
 check "a menu row chosen by keyboard transforms the clipboard" "$(printf 'FIRST LINE\nSECOND LINE')" "$(clipboard)"
 wait_until nothing_is_open
 check "and the menu closes" "closed" "$(nothing_is_open && echo closed)"
+
+# --- The windows -----------------------------------------------------------------------------
+named_window() { xdotool search --onlyvisible --pid "$app_pid" --name "^$1\$" 2>/dev/null | head -n 1; }
+settings_shown() { [ -n "$(named_window Settings)" ]; }
+welcome_shown() { [ -n "$(named_window "Welcome to Glyphmill")" ]; }
+"$glyphmill" settings
+wait_until settings_shown
+check "glyphmill settings opens the settings window" "shown" "$(settings_shown && echo shown)"
+screenshot settings
+xdotool windowactivate --sync "$(named_window Settings)" key Return
+wait_until nothing_is_open
+check "Return presses Done, which closes it" "closed" "$(nothing_is_open && echo closed)"
+"$glyphmill" settings
+wait_until settings_shown
+check "and a second glyphmill settings brings it back" "shown" "$(settings_shown && echo shown)"
+stop_app
+
+# A first start: the welcome guide opens by itself, and closing it does not complete it.
+printf '{}\n' >"$XDG_CONFIG_HOME/glyphmill/preferences.json"
+start_app
+wait_until welcome_shown
+check "the first start opens the welcome guide" "shown" "$(welcome_shown && echo shown)"
+xdotool windowactivate --sync "$(named_window "Welcome to Glyphmill")" key --clearmodifiers alt+F4
+wait_until nothing_is_open
+stop_app
+start_app
+wait_until welcome_shown
+check "closed with its close box, it opens again at the next start" "shown" "$(welcome_shown && echo shown)"
 
 stop_app
 finish
