@@ -18,13 +18,12 @@ QLabel *chip(const QString &title, bool highlighted, QWidget *parent) {
     label->setFont(welcomeStyle::font(TextStyle::caption));
     label->setObjectName(QStringLiteral("paletteChip"));
     // The highlighted chip is tinted with the accent colour, the others with a faint grey.
-    const QString fill = highlighted ? QStringLiteral("rgba(%1, %2, %3, 31)")
-                                           .arg(label->palette().color(QPalette::Highlight).red())
-                                           .arg(label->palette().color(QPalette::Highlight).green())
-                                           .arg(label->palette().color(QPalette::Highlight).blue())
-                                     : QStringLiteral("rgba(128, 128, 128, 46)");
-    label->setStyleSheet(
-        QStringLiteral("#paletteChip { background: %1; border-radius: 6px; padding: 4px 8px; }").arg(fill));
+    welcomeStyle::followPalette(*label, [highlighted](const QPalette &palette) {
+        QColor fill = highlighted ? palette.color(QPalette::Highlight) : QColor(128, 128, 128);
+        fill.setAlpha(46);
+        return QStringLiteral("#paletteChip { background: %1; border-radius: 6px; padding: 4px 8px; }")
+            .arg(welcomeStyle::cssColour(fill));
+    });
     return label;
 }
 
@@ -45,8 +44,11 @@ FloatingPaletteIllustration::FloatingPaletteIllustration(const QString &source, 
 
     auto *palette = new QFrame(this);
     palette->setObjectName(QStringLiteral("mockPalette"));
-    palette->setStyleSheet(QStringLiteral("#mockPalette { background: palette(alternate-base); "
-                                          "border: 1px solid palette(mid); border-radius: 8px; }"));
+    welcomeStyle::followPalette(*palette, [](const QPalette &colours) {
+        return QStringLiteral("#mockPalette { background: %1; border: 1px solid %2; border-radius: 8px; }")
+            .arg(welcomeStyle::cssColour(colours.color(QPalette::AlternateBase)),
+                 welcomeStyle::cssColour(welcomeStyle::separatorColour(colours, 0.25)));
+    });
     palette->setAccessibleName(
         QStringLiteral("Example palette showing Smart Case, Title Case, UPPERCASE, and lowercase"));
     auto *chips = new QHBoxLayout(palette);

@@ -4,6 +4,7 @@
 #include "platform/PlatformServices.h"
 #include "transform/ProtectedTermsStore.h"
 #include "ui/TermOrdering.h"
+#include "ui/WelcomeGuideStyle.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -184,6 +185,7 @@ ProtectedTermsEditor::ProtectedTermsEditor(ProtectedTermsStore &store, QWidget *
 
     observerToken_ = store_.addObserver([this](const std::vector<std::u16string> &terms) { reload(terms); });
     reload(store_.terms());
+    welcomeStyle::giveButtonsRoom(*this);
 }
 
 ProtectedTermsEditor::~ProtectedTermsEditor() {

@@ -4,12 +4,14 @@
 #include "platform/UrlOpener.h"
 #include "settings/AppSettings.h"
 #include "ui/ShortcutRecorder.h"
+#include "ui/WelcomeGuideStyle.h"
 #include "ui/WindowActions.h"
 
 #include <QCheckBox>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -37,22 +39,44 @@ QLabel *secondaryLabel(const QString &text, qreal scale, QWidget *parent) {
         font.setPointSizeF(font.pointSizeF() * scale);
         label->setFont(font);
     }
-    // Halfway between text and background reads as secondary in light and dark themes alike.
-    QPalette colours = label->palette();
-    const QColor foreground = colours.color(QPalette::WindowText);
-    const QColor background = colours.color(QPalette::Window);
-    colours.setColor(QPalette::WindowText, QColor((foreground.red() + background.red()) / 2,
-                                                  (foreground.green() + background.green()) / 2,
-                                                  (foreground.blue() + background.blue()) / 2));
-    label->setPalette(colours);
+    welcomeStyle::makeSecondary(*label);
     return label;
 }
+
+QColor mix(const QColor &from, const QColor &to, double amount) {
+    const auto channel = [amount](int a, int b) { return static_cast<int>(a + (b - a) * amount + 0.5); };
+    return QColor(channel(from.red(), to.red()), channel(from.green(), to.green()),
+                  channel(from.blue(), to.blue()));
+}
+
+// A rounded panel holding one section's controls. Light themes get the text background; dark
+// themes a shade lighter than the window, so controls drawn on the (darker) base colour, such as
+// check boxes, still stand out. Painted from the current palette, so theme switches follow.
+class SectionPanel final : public QFrame {
+public:
+    using QFrame::QFrame;
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        const QPalette &colours = palette();
+        const QColor window = colours.color(QPalette::Window);
+        const QColor base = colours.color(QPalette::Base);
+        const QColor fill = base.lightness() > window.lightness()
+                                ? base
+                                : mix(window, colours.color(QPalette::WindowText), 0.06);
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(welcomeStyle::separatorColour(colours, 0.16), 1));
+        painter.setBrush(fill);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 8, 8);
+    }
+};
 
 class FormBuilder {
 public:
     FormBuilder(const SettingsFormContext &context, QWidget *form)
         : context_(context), settings_(context.settings), form_(form), layout_(new QVBoxLayout(form)) {
-        layout_->setContentsMargins(4, 12, 4, 16);
+        layout_->setContentsMargins(16, 14, 16, 16);
         layout_->setSpacing(6);
     }
 
@@ -66,12 +90,9 @@ public:
         title->setFont(font);
         title->setAccessibleName(header);
         layout_->addWidget(title);
-        group_ = new QFrame(form_);
-        group_->setFrameShape(QFrame::StyledPanel);
-        group_->setAutoFillBackground(true);
-        group_->setBackgroundRole(QPalette::Base);
+        group_ = new SectionPanel(form_);
         groupLayout_ = new QVBoxLayout(group_);
-        groupLayout_->setContentsMargins(12, 8, 12, 8);
+        groupLayout_->setContentsMargins(12, 10, 12, 10);
         groupLayout_->setSpacing(8);
         layout_->addWidget(group_);
     }
@@ -130,12 +151,7 @@ public:
 
     // A button styled as a link; disabled when it has nowhere to go.
     void link(const QString &title, const QString &accessibleName, const QString &hint, std::string address) {
-        auto *linkButton = new QPushButton(title, group_);
-        linkButton->setFlat(true);
-        linkButton->setCursor(Qt::PointingHandCursor);
-        linkButton->setStyleSheet(QStringLiteral("QPushButton { color: palette(link); border: none; "
-                                                 "text-align: left; padding: 0; }"
-                                                 "QPushButton:disabled { color: palette(mid); }"));
+        auto *linkButton = welcomeStyle::linkButton(title, group_);
         linkButton->setAccessibleName(accessibleName);
         if (!hint.isEmpty())
             linkButton->setAccessibleDescription(hint);
@@ -325,7 +341,7 @@ void buildAbout(FormBuilder &form) {
     row->addWidget(version);
     form.addToGroup(versionRow);
     form.addToGroup(secondaryLabel(
-        QStringLiteral("Screen Text Capture is processed on this Mac and is not retained."), 0.82, nullptr));
+        QStringLiteral("Screen Text Capture is processed on this Mac and is not retained."), 0.9, nullptr));
     const auto review = QStringLiteral("Love Glyphmill? Your review helps us grow!");
     form.link(review, review, QStringLiteral("Opens the App Store so you can write a review"),
               links.reviewUrl);
@@ -341,14 +357,18 @@ SettingsNavigationButton::SettingsNavigationButton(const QString &title, std::fu
                                                    QWidget *parent)
     : QPushButton(title, parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    const QColor separator = palette().color(QPalette::Mid);
-    setStyleSheet(QStringLiteral("QPushButton { text-align: left; padding: 8px 12px; border-radius: 6px; "
-                                 "color: palette(text); background-color: palette(base); border: 1px solid "
-                                 "rgba(%1, %2, %3, 35%); }"
-                                 "QPushButton:pressed { background-color: palette(midlight); }")
-                      .arg(separator.red())
-                      .arg(separator.green())
-                      .arg(separator.blue()));
+    welcomeStyle::followPalette(*this, [](const QPalette &colours) {
+        const QColor fill = colours.color(QPalette::Button);
+        const QColor pressed = mix(fill, colours.color(QPalette::ButtonText), 0.12);
+        return QStringLiteral("QPushButton { text-align: left; padding: 8px 12px; border-radius: 6px; "
+                              "color: %1; background-color: %2; border: 1px solid %3; }"
+                              "QPushButton:pressed { background-color: %4; }"
+                              "QPushButton:focus { border-color: %5; }")
+            .arg(welcomeStyle::cssColour(colours.color(QPalette::ButtonText)), welcomeStyle::cssColour(fill),
+                 welcomeStyle::cssColour(welcomeStyle::separatorColour(colours, 0.35)),
+                 welcomeStyle::cssColour(pressed),
+                 welcomeStyle::cssColour(colours.color(QPalette::Highlight)));
+    });
     connect(this, &QPushButton::clicked, this, [action = std::move(action)] {
         if (action)
             action();

@@ -6,6 +6,7 @@
 #include "ui/BuildInfo.h"
 #include "ui/ProtectedTermsEditor.h"
 #include "ui/ShortcutRecorder.h"
+#include "ui/WelcomeGuideStyle.h"
 
 #include <QFrame>
 #include <QGuiApplication>
@@ -86,6 +87,7 @@ SettingsWindow::SettingsWindow(ProtectedTermsStore &terms, AppSettings &settings
         auto *shortcut = new QShortcut(QKeySequence(key), this);
         connect(shortcut, &QShortcut::activated, done, &QPushButton::click);
     }
+    welcomeStyle::giveButtonsRoom(*this);
 }
 
 SettingsWindow::~SettingsWindow() = default;

@@ -6,6 +6,7 @@
 #include "settings/AppSettings.h"
 #include "transform/ProtectedTermsStore.h"
 #include "ui/OnboardingView.h"
+#include "ui/WelcomeGuideStyle.h"
 #include "ui/WindowActions.h"
 
 #include <QCloseEvent>
@@ -79,6 +80,7 @@ public:
         auto *layout = new QVBoxLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(new OnboardingView(context, finishWelcomeGuide, openSettingsFromGuide, this));
+        welcomeStyle::giveButtonsRoom(*this);
     }
 
 protected:

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QShortcut>
+#include <QVBoxLayout>
 
 namespace glyphmill {
 
@@ -56,23 +57,24 @@ void PageDots::paintEvent(QPaintEvent *) {
 }
 
 WelcomeGuideFooter::WelcomeGuideFooter(QWidget *parent) : QWidget(parent) {
-    auto *layout = new QHBoxLayout(this);
-    layout->setContentsMargins(16, 12, 16, 12);
+    // The dots sit on a row of their own, centred, so the buttons beside them on the last page
+    // cannot push them off centre.
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(16, 10, 16, 12);
+    column->setSpacing(10);
+    dots_ = new PageDots(pageCount, this);
+    column->addWidget(dots_, 0, Qt::AlignHCenter);
+    auto *layout = new QHBoxLayout;
     layout->setSpacing(12);
+    column->addLayout(layout);
 
     back_ = new QPushButton(QStringLiteral("Back"), this);
     back_->setAutoDefault(false);
-    // Keeps its place while hidden on the first page, so the dots do not move.
+    // Keeps its place while hidden on the first page, so the row keeps its height.
     QSizePolicy keepsSpace = back_->sizePolicy();
     keepsSpace.setRetainSizeWhenHidden(true);
     back_->setSizePolicy(keepsSpace);
     layout->addWidget(back_);
-    layout->addStretch(1);
-    layout->addSpacing(8 - layout->spacing());
-
-    dots_ = new PageDots(pageCount, this);
-    layout->addWidget(dots_, 0, Qt::AlignVCenter);
-    layout->addSpacing(8 - layout->spacing());
     layout->addStretch(1);
 
     openSettings_ = new QPushButton(QStringLiteral("Open Settings"), this);

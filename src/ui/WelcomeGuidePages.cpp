@@ -11,8 +11,12 @@
 #include <QIcon>
 #include <QLabel>
 #include <QPainter>
+#include <QPainterPath>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <cmath>
+#include <utility>
 
 namespace glyphmill {
 
@@ -23,34 +27,167 @@ namespace {
 constexpr int headerIconSize = 56;
 constexpr int symbolColumnWidth = 22;
 
-// Draws an icon without being a label, so screen readers have nothing to announce.
+// Simple line drawings shown where the icon theme has no icon for a symbol.
+enum class Glyph {
+    none,
+    textFormat,
+    cursorRays,
+    textCheck,
+    lockShield,
+    checkCircle,
+    keyboard,
+    menuBar,
+    gear
+};
+
+Glyph glyphFor(const QString &iconName) {
+    static const std::pair<const char *, Glyph> glyphs[] = {
+        {"font-x-generic", Glyph::textFormat},      {"input-mouse", Glyph::cursorRays},
+        {"tools-check-spelling", Glyph::textCheck}, {"security-high", Glyph::lockShield},
+        {"emblem-ok", Glyph::checkCircle},          {"input-keyboard", Glyph::keyboard},
+        {"user-desktop", Glyph::menuBar},           {"preferences-system", Glyph::gear},
+    };
+    for (const auto &[name, glyph] : glyphs)
+        if (iconName == QLatin1String(name))
+            return glyph;
+    return Glyph::none;
+}
+
+QPainterPath check(QPointF origin, qreal size) {
+    QPainterPath path(origin + QPointF(0, size * 0.5));
+    path.lineTo(origin + QPointF(size * 0.38, size * 0.85));
+    path.lineTo(origin + QPointF(size, 0));
+    return path;
+}
+
+// Draws the glyph in the square box, in the painter's pen.
+void drawGlyph(QPainter &painter, Glyph glyph, const QRectF &box) {
+    const qreal e = box.width();
+    const QPointF o = box.topLeft();
+    const auto at = [&](qreal x, qreal y) { return o + QPointF(x * e, y * e); };
+    switch (glyph) {
+    case Glyph::none:
+        return;
+    case Glyph::textFormat: {
+        QFont font = painter.font();
+        font.setPixelSize(std::max(6, static_cast<int>(e * 0.78)));
+        font.setBold(true);
+        painter.setFont(font);
+        painter.drawText(box, Qt::AlignCenter, QStringLiteral("Aa"));
+        return;
+    }
+    case Glyph::cursorRays: {
+        QPolygonF arrow;
+        for (const auto &[x, y] : {std::pair{0.38, 0.3},
+                                   {0.38, 0.95},
+                                   {0.53, 0.8},
+                                   {0.64, 1.0},
+                                   {0.74, 0.95},
+                                   {0.64, 0.76},
+                                   {0.85, 0.74}})
+            arrow << at(x, y);
+        painter.drawPolygon(arrow);
+        painter.drawLine(at(0.25, 0.17), at(0.12, 0.04));
+        painter.drawLine(at(0.2, 0.32), at(0.02, 0.32));
+        painter.drawLine(at(0.38, 0.13), at(0.38, 0.0));
+        return;
+    }
+    case Glyph::textCheck:
+        painter.drawLine(at(0.05, 0.2), at(0.9, 0.2));
+        painter.drawLine(at(0.05, 0.45), at(0.9, 0.45));
+        painter.drawLine(at(0.05, 0.7), at(0.4, 0.7));
+        painter.drawPath(check(at(0.52, 0.62), e * 0.42));
+        return;
+    case Glyph::lockShield: {
+        QPainterPath shield(at(0.5, 0.02));
+        shield.lineTo(at(0.9, 0.17));
+        shield.cubicTo(at(0.9, 0.6), at(0.75, 0.85), at(0.5, 0.98));
+        shield.cubicTo(at(0.25, 0.85), at(0.1, 0.6), at(0.1, 0.17));
+        shield.closeSubpath();
+        painter.drawPath(shield);
+        painter.drawRect(QRectF(at(0.36, 0.45), at(0.64, 0.68)));
+        painter.drawArc(QRectF(at(0.4, 0.3), at(0.6, 0.58)), 0, 180 * 16);
+        return;
+    }
+    case Glyph::checkCircle:
+        painter.drawEllipse(QRectF(at(0.04, 0.04), at(0.96, 0.96)));
+        painter.drawPath(check(at(0.3, 0.34), e * 0.4));
+        return;
+    case Glyph::keyboard:
+        painter.drawRoundedRect(QRectF(at(0.0, 0.2), at(1.0, 0.8)), e * 0.1, e * 0.1);
+        for (const qreal x : {0.18, 0.34, 0.5, 0.66, 0.82})
+            painter.drawPoint(at(x, 0.4));
+        painter.drawLine(at(0.28, 0.62), at(0.72, 0.62));
+        return;
+    case Glyph::menuBar:
+        painter.drawRoundedRect(QRectF(at(0.02, 0.12), at(0.98, 0.88)), e * 0.1, e * 0.1);
+        painter.drawLine(at(0.02, 0.34), at(0.98, 0.34));
+        return;
+    case Glyph::gear: {
+        const QPointF centre = at(0.5, 0.5);
+        QPen teeth = painter.pen();
+        teeth.setWidthF(e * 0.16);
+        teeth.setCapStyle(Qt::FlatCap);
+        painter.save();
+        painter.setPen(teeth);
+        for (int tooth = 0; tooth < 8; ++tooth) {
+            const qreal angle = tooth * 3.14159265358979 / 4;
+            const QPointF direction(std::cos(angle), std::sin(angle));
+            painter.drawLine(centre + direction * (e * 0.3), centre + direction * (e * 0.48));
+        }
+        painter.restore();
+        painter.drawEllipse(centre, e * 0.3, e * 0.3);
+        painter.drawEllipse(centre, e * 0.12, e * 0.12);
+        return;
+    }
+    }
+}
+
+// Draws an icon without being a label, so screen readers have nothing to announce. Without a
+// theme icon, draws its own glyph in the secondary text colour.
 class DecorativeIcon final : public QWidget {
 public:
-    DecorativeIcon(QIcon icon, QSize size, int iconExtent, QWidget *parent)
-        : QWidget(parent), icon_(std::move(icon)), iconExtent_(iconExtent) {
+    DecorativeIcon(QIcon icon, QSize size, int iconExtent, QWidget *parent, Glyph fallback = Glyph::none)
+        : QWidget(parent), icon_(std::move(icon)), iconExtent_(iconExtent), fallback_(fallback) {
         setFixedSize(size);
         setFocusPolicy(Qt::NoFocus);
     }
 
 protected:
     void paintEvent(QPaintEvent *) override {
-        if (icon_.isNull())
-            return;
         QPainter painter(this);
-        const QRect target((width() - iconExtent_) / 2, 0, iconExtent_, iconExtent_);
-        icon_.paint(&painter, target, Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
+        const QRect target((width() - iconExtent_) / 2, (height() - iconExtent_) / 2, iconExtent_,
+                           iconExtent_);
+        if (!icon_.isNull()) {
+            icon_.paint(&painter, target, Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
+            return;
+        }
+        if (fallback_ == Glyph::none)
+            return;
+        painter.setRenderHint(QPainter::Antialiasing);
+        QPen pen(palette().color(QPalette::PlaceholderText), std::max(1.0, iconExtent_ / 12.0));
+        pen.setCapStyle(Qt::RoundCap);
+        pen.setJoinStyle(Qt::RoundJoin);
+        painter.setPen(pen);
+        painter.setBrush(Qt::NoBrush);
+        // Inset so strokes stay inside the column and line up with the text beside them.
+        const qreal inset = iconExtent_ * 0.06;
+        drawGlyph(painter, fallback_, QRectF(target).adjusted(inset, inset, -inset, -inset));
     }
 
 private:
     QIcon icon_;
     int iconExtent_;
+    Glyph fallback_;
 };
 
-QWidget *symbol(const QString &iconName, QWidget *parent) {
-    const int extent = QFontMetrics(welcomeStyle::font(TextStyle::body)).height();
+// Sized to one line of body text, or larger beside a title and its message.
+QWidget *symbol(const QString &iconName, QWidget *parent, bool large = false) {
+    const int lineHeight = QFontMetrics(welcomeStyle::font(TextStyle::body)).height();
+    const int extent = large ? symbolColumnWidth - 2 : std::min(lineHeight, symbolColumnWidth);
     const QIcon icon = iconName.isEmpty() ? QIcon() : QIcon::fromTheme(iconName);
-    return new DecorativeIcon(icon, QSize(symbolColumnWidth, extent), std::min(extent, symbolColumnWidth),
-                              parent);
+    return new DecorativeIcon(icon, QSize(symbolColumnWidth, std::max(extent, lineHeight)), extent, parent,
+                              glyphFor(iconName));
 }
 
 // A symbol beside one line of text, read as that text alone.
@@ -113,7 +250,7 @@ WelcomeFeatureRow::WelcomeFeatureRow(const QString &iconName, const QString &tit
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(10);
-    layout->addWidget(symbol(iconName, this), 0, Qt::AlignTop);
+    layout->addWidget(symbol(iconName, this, true), 0, Qt::AlignTop);
     auto *texts = new QVBoxLayout;
     texts->setSpacing(2);
     texts->addWidget(welcomeStyle::label(title, TextStyle::headline, false, this));
@@ -144,7 +281,7 @@ QWidget *makeIntroductionPage(QWidget *parent) {
         QStringLiteral("Convert text to Smart Case, Title Case, UPPERCASE, lowercase, and Capitalize Words."),
         page));
     rows->addWidget(new WelcomeFeatureRow(
-        QString(), QStringLiteral("Work Anywhere"),
+        QStringLiteral("input-mouse"), QStringLiteral("Work Anywhere"),
         QStringLiteral("Format text using the menu bar, floating palette, or macOS Services."), page));
     rows->addWidget(
         new WelcomeFeatureRow(QStringLiteral("tools-check-spelling"), QStringLiteral("More Text Tools"),
@@ -250,7 +387,7 @@ ReadyPage::ReadyPage(const OnboardingContext &context, QWidget *parent) : QWidge
                                         QString(), this);
     rows->addWidget(paletteRow_);
     rows->addWidget(new WelcomeFeatureRow(
-        QString(), QStringLiteral("Menu Bar Tools"),
+        QStringLiteral("user-desktop"), QStringLiteral("Menu Bar Tools"),
         QStringLiteral(
             "Format clipboard text, capture text from your screen, and access additional utilities."),
         this));

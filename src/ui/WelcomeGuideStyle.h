@@ -2,10 +2,14 @@
 // secondary text, framed boxes and link-style buttons.
 #pragma once
 
+#include <QColor>
 #include <QFont>
 #include <QString>
 
+#include <functional>
+
 class QLabel;
+class QPalette;
 class QPushButton;
 class QWidget;
 
@@ -24,5 +28,15 @@ QPushButton *linkButton(const QString &title, QWidget *parent = nullptr);
 // button (control) background colour.
 enum class BoxFill { textBackground, controlBackground };
 void frameAsBox(QWidget &widget, BoxFill fill);
+
+// Colour helpers for style sheets built from a palette.
+QString cssColour(const QColor &colour);
+// Window text at the given opacity: hairlines and borders that show in light and dark themes.
+QColor separatorColour(const QPalette &palette, double strength);
+// Sets a style sheet built from the application palette, and builds it again on every palette
+// change.
+void followPalette(QWidget &widget, std::function<QString(const QPalette &)> buildStyleSheet);
+// Gives the window's push buttons a little more horizontal padding.
+void giveButtonsRoom(QWidget &window);
 
 } // namespace glyphmill::welcomeStyle

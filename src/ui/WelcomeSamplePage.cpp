@@ -8,9 +8,11 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QResizeEvent>
+#include <QStyleOptionButton>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -91,6 +93,31 @@ private:
     std::vector<QPushButton *> buttons_;
 };
 
+// The chosen kind is drawn in the accent colour, which stands out in light and dark themes alike
+// where a pressed-in look does not.
+class KindButton final : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void paintEvent(QPaintEvent *event) override {
+        if (!isChecked()) {
+            QPushButton::paintEvent(event);
+            return;
+        }
+        QStyleOptionButton option;
+        initStyleOption(&option);
+        option.state &= ~(QStyle::State_On | QStyle::State_Sunken);
+        option.state |= QStyle::State_Raised;
+        const QPalette::ColorGroup group = isEnabled() ? QPalette::Active : QPalette::Disabled;
+        // A shade darker than the accent, as the style lightens buttons and the title is white.
+        option.palette.setColor(QPalette::Button, palette().color(group, QPalette::Highlight).darker(125));
+        option.palette.setColor(QPalette::ButtonText, palette().color(group, QPalette::HighlightedText));
+        QPainter painter(this);
+        style()->drawControl(QStyle::CE_PushButton, &option, &painter, this);
+    }
+};
+
 QLabel *headline(const QString &text, QWidget *parent) {
     return welcomeStyle::label(text, TextStyle::headline, false, parent);
 }
@@ -121,7 +148,7 @@ WelcomeSamplePage::WelcomeSamplePage(const OnboardingContext &context, QWidget *
     auto *kinds = new KindButtonRows(this);
     for (std::size_t index = 0; index < allTextTransformKinds.size(); ++index) {
         const TextTransformKind kind = allTextTransformKinds[index];
-        auto *button = new QPushButton(QString::fromStdU16String(std::u16string(displayTitle(kind))), kinds);
+        auto *button = new KindButton(QString::fromStdU16String(std::u16string(displayTitle(kind))), kinds);
         button->setCheckable(true);
         button->setAutoDefault(false);
         connect(button, &QPushButton::clicked, this, [this, kind] { selectKind(kind); });
@@ -137,8 +164,12 @@ WelcomeSamplePage::WelcomeSamplePage(const OnboardingContext &context, QWidget *
     result_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     result_->setMinimumHeight(36);
     welcomeStyle::makeSelectable(*result_);
-    result_->setStyleSheet(QStringLiteral("#sampleResult { background: palette(button); border: 1px solid "
-                                          "palette(mid); border-radius: 6px; padding: 8px; }"));
+    welcomeStyle::followPalette(*result_, [](const QPalette &colours) {
+        return QStringLiteral("#sampleResult { background: %1; border: 1px solid %2; border-radius: 6px; "
+                              "padding: 8px; }")
+            .arg(welcomeStyle::cssColour(colours.color(QPalette::Button)),
+                 welcomeStyle::cssColour(welcomeStyle::separatorColour(colours, 0.25)));
+    });
     layout->addWidget(result_);
 
     auto *actions = new QHBoxLayout;
