@@ -19,7 +19,7 @@ constexpr double gapBelowAnchor = 24;
 constexpr double marginToEdge = 8;
 constexpr double horizontalPadding = 16;
 constexpr double verticalPadding = 10;
-// Design points are logical pixels; Qt's points would be a third larger at 96 dpi.
+// Our points are logical pixels; a Qt point size would come out a third larger at 96 dpi.
 constexpr int fontSize = 13;
 constexpr QRectF fallbackFrame{0, 0, 800, 600};
 
