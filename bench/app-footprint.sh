@@ -45,27 +45,10 @@ for tool in xclip c++; do
     command -v "$tool" >/dev/null || { echo "$0: $tool is not installed" >&2; exit 69; }
 done
 
-work=$(mktemp -d)
-app_pid=""
-cleanup() {
-    if [[ -n $app_pid ]]; then kill "$app_pid" 2>/dev/null || true; fi
-    rm -rf "$work"
-}
-trap cleanup EXIT
-export XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data"
-mkdir -p "$XDG_CONFIG_HOME/glyphmill" "$XDG_DATA_HOME"
-# First runs in all but the welcome guide, which would open a window beside the icon.
-(umask 077 && printf '{"onboardingCompletedV11": true}\n' >"$XDG_CONFIG_HOME/glyphmill/preferences.json")
-
-here=$(dirname "$(realpath "$0")")
-probe="$work/x11_probe"
-c++ -std=c++20 -O2 "$here/x11_probe.cpp" -o "$probe" -lXtst -lXfixes -lX11
+source "$(dirname "$(realpath "$0")")/app-session-setup.sh"
 "$make_corpora" "$work/corpora" >/dev/null
 corpus="$work/corpora/mixed-100KB.txt"
 
-median() { sort -g | awk '{ v[NR] = $1 } END { printf "%.1f\n", (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
-range() { sort -g | awk 'NR == 1 { lo = $1 } { hi = $1 } END { printf "%s to %s", lo, hi }'; }
-verdict() { awk -v value="$1" -v aim="$2" 'BEGIN { print (value < aim) ? "PASS" : "MISS" }'; }
 
 # Starts the application under the probe; sets app_pid, and launch_ms to the milliseconds until
 # its icon was in the tray. No subshell, or app_pid would be lost.

@@ -40,29 +40,11 @@ done
 [[ $(xdpyinfo | awk '/dimensions:/ { print $2 }') == 1600x900 ]] ||
     { echo "$0: the screen must be 1600x900 (one monitor)" >&2; exit 69; }
 
-work=$(mktemp -d)
-app_pid=""
-board_pid=""
-cleanup() {
-    if [[ -n $app_pid ]]; then kill "$app_pid" 2>/dev/null || true; fi
-    if [[ -n $board_pid ]]; then kill "$board_pid" 2>/dev/null || true; fi
-    rm -rf "$work"
-}
-trap cleanup EXIT
-export XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data"
-mkdir -p "$XDG_CONFIG_HOME/glyphmill" "$XDG_DATA_HOME"
-# Past the welcome guide, which would open a window over the page.
-(umask 077 && printf '{"onboardingCompletedV11": true}\n' >"$XDG_CONFIG_HOME/glyphmill/preferences.json")
+source "$(dirname "$(realpath "$0")")/app-session-setup.sh"
 
-here=$(dirname "$(realpath "$0")")
-probe="$work/x11_probe"
-c++ -std=c++20 -O2 "$here/x11_probe.cpp" -o "$probe" -lXtst -lXfixes -lX11
-
-median() { sort -g | awk '{ v[NR] = $1 } END { printf "%.1f\n", (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
-range() { sort -g | awk 'NR == 1 { lo = $1 } { hi = $1 } END { printf "%s to %s", lo, hi }'; }
 
 "$text_board" "$work/layout" page 2>>"$work/app.log" &
-board_pid=$!
+extra_pids+=($!)
 for _ in $(seq 100); do [[ -s $work/layout ]] && break; sleep 0.1; done
 [[ -s $work/layout ]] || { echo "$0: the text board never showed" >&2; cat "$work/app.log" >&2; exit 70; }
 
