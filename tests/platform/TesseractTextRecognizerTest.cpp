@@ -19,9 +19,10 @@ struct Word {
     QColor ink = Qt::black;
     const char *family = "DejaVu Sans";
     bool underline = false;
+    int pixelSize = 14;
 };
 
-// Words drawn at 14 px over a ground, optionally with a filled bar behind some of
+// Words drawn (at 14 px unless told) over a ground, optionally with a filled bar behind some of
 // them, at the given device pixel ratio.
 ScreenImage render(QSize points, const QColor &ground, const std::vector<Word> &words, double ratio = 1,
                    QRect bar = {}, QColor barColour = {}) {
@@ -33,7 +34,7 @@ ScreenImage render(QSize points, const QColor &ground, const std::vector<Word> &
         painter.fillRect(bar, barColour);
     for (const Word &word : words) {
         QFont font(QString::fromUtf8(word.family));
-        font.setPixelSize(14);
+        font.setPixelSize(word.pixelSize);
         font.setUnderline(word.underline);
         painter.setFont(font);
         painter.setPen(word.ink);
@@ -116,6 +117,44 @@ TEST_F(TesseractTextRecognizerTest, BoxesAreNormalisedWithTheOriginAtTheLowerLef
     EXPECT_NEAR(top.height, 14.0 / 200, 0.02);
     EXPECT_NEAR(bottom.x, 280.0 / 400, 0.01);
     EXPECT_NEAR(bottom.y, 1 - 174.0 / 200, 0.02);
+}
+
+// Large text is read without enlarging and a large image in two bands on two threads: the text and
+// the boxes must be those of a plain reading of the whole image.
+TEST_F(TesseractTextRecognizerTest, BandsAndUnenlargedLargeTextReadAsTheWholeImage) {
+    std::vector<Word> words;
+    const char *lines[] = {"Quarterly report draft", "Send the figures by Friday", "Meeting moved to noon",
+                           "Budget review notes", "Travel plans for June"};
+    for (int i = 0; i < 5; ++i)
+        words.push_back({lines[i], {16, 40 + 100 * i}});
+    words.push_back({"Summary", {300, 40}, Qt::black, "DejaVu Sans", false, 24});
+    // 540 × 500 at 1× is enlarged (the most letters are 14 px) to over a million pixels.
+    const ScreenImage image = render({540, 500}, Qt::white, words);
+    TesseractSettings whole;
+    whole.parallelFromPixels = 0;
+    TesseractTextRecognizer plain(whole);
+    const auto banded = recognizer().recognize(image);
+    const auto expected = plain.recognize(image);
+    ASSERT_TRUE(banded.has_value());
+    ASSERT_TRUE(expected.has_value());
+    EXPECT_EQ(lineAssembly::assembleText(*banded),
+              u"Quarterly report draft Summary\nSend the figures by Friday\nMeeting moved to noon\n"
+              u"Budget review notes\nTravel plans for June");
+    ASSERT_EQ(banded->size(), expected->size());
+    for (std::size_t i = 0; i < banded->size(); ++i) {
+        EXPECT_EQ((*banded)[i].text, (*expected)[i].text);
+        EXPECT_NEAR((*banded)[i].y, (*expected)[i].y, 0.004);
+        EXPECT_NEAR((*banded)[i].height, (*expected)[i].height, 0.004);
+    }
+
+    // 24 px text alone is read at its own size; its box is still normalised to the image.
+    const auto large = recognizer().recognize(render(
+        {400, 120}, Qt::white, {{"Welcome back, Ada", {20, 70}, Qt::black, "DejaVu Sans", false, 24}}));
+    ASSERT_TRUE(large.has_value());
+    EXPECT_EQ(lineAssembly::assembleText(*large), u"Welcome back, Ada");
+    ASSERT_FALSE(large->empty());
+    EXPECT_NEAR(large->front().x, 20.0 / 400, 0.01);
+    EXPECT_NEAR(large->front().y, 1 - 70.0 / 120, 0.02); // "Welcome" sits on the baseline
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "platform/linux/TesseractTextRecognizer.h"
 
+#include "platform/linux/TesseractImage.h"
+
 #include "transform/Utf8.h"
 
 #include <tesseract/baseapi.h>
@@ -9,212 +11,15 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <thread>
 
 namespace glyphmill {
 
 namespace {
 
+using tesseractImage::GreyImage;
+
 constexpr const char *debianDataPath = "/usr/share/tesseract-ocr/5/tessdata/";
-
-// An 8-bit grey image, rows from the top, no padding.
-struct GreyImage {
-    int width = 0;
-    int height = 0;
-    std::vector<std::uint8_t> pixels;
-
-    std::uint8_t at(int x, int y) const {
-        x = std::clamp(x, 0, width - 1);
-        y = std::clamp(y, 0, height - 1);
-        return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                      static_cast<std::size_t>(x)];
-    }
-};
-
-// Luma, over white where the pixel is not opaque.
-GreyImage toGrey(const ScreenImage &image) {
-    GreyImage grey{image.width, image.height, std::vector<std::uint8_t>(image.pixels.size())};
-    for (std::size_t i = 0; i < image.pixels.size(); ++i) {
-        const std::uint32_t argb = image.pixels[i];
-        const std::uint32_t alpha = argb >> 24;
-        const std::uint32_t luma =
-            (299 * ((argb >> 16) & 0xff) + 587 * ((argb >> 8) & 0xff) + 114 * (argb & 0xff) + 500) / 1000;
-        grey.pixels[i] = static_cast<std::uint8_t>((luma * alpha + 255 * (255 - alpha) + 127) / 255);
-    }
-    return grey;
-}
-
-std::array<std::size_t, 256> histogramOf(const GreyImage &grey) {
-    std::array<std::size_t, 256> histogram{};
-    for (const std::uint8_t value : grey.pixels)
-        ++histogram[value];
-    return histogram;
-}
-
-// The grey level that a share (0 to 1) of the pixels are darker than.
-int percentile(const std::array<std::size_t, 256> &histogram, std::size_t count, double share) {
-    const auto wanted = static_cast<std::size_t>(share * static_cast<double>(count));
-    std::size_t seen = 0;
-    int level = 0;
-    while (level < 255 && (seen += histogram[static_cast<std::size_t>(level)]) <= wanted)
-        ++level;
-    return level;
-}
-
-// The ground is what most of a screen region is. Tesseract reads dark text on a white ground best,
-// so a dark ground is inverted, and the ground is stretched to white and the darkest ink to black.
-void normalise(GreyImage &grey) {
-    std::array<std::size_t, 256> histogram = histogramOf(grey);
-    const std::size_t count = grey.pixels.size();
-    if (percentile(histogram, count, 0.5) < 128) {
-        for (std::uint8_t &value : grey.pixels)
-            value = static_cast<std::uint8_t>(255 - value);
-        std::reverse(histogram.begin(), histogram.end());
-    }
-    const int ground = percentile(histogram, count, 0.5);
-    const int ink = percentile(histogram, count, 0.002);
-    if (ground - ink < 16)
-        return;
-    std::array<std::uint8_t, 256> map{};
-    for (int level = 0; level < 256; ++level)
-        map[static_cast<std::size_t>(level)] =
-            static_cast<std::uint8_t>(std::clamp((level - ink) * 255 / (ground - ink), 0, 255));
-    for (std::uint8_t &value : grey.pixels)
-        value = map[value];
-}
-
-std::uint8_t clampToByte(double value) {
-    return static_cast<std::uint8_t>(std::clamp(std::lround(value), 0L, 255L));
-}
-
-// Filled shapes darker than the ground (a highlighted menu item, a selected row, a button) hold
-// light text; inverting each such rectangle makes all text dark on light. Shapes are found as
-// connected dark areas that fill most of their bounding box and are large enough to hold a line
-// of text.
-void invertFilledPanels(GreyImage &grey, double devicePixelRatio) {
-    const int width = grey.width;
-    const int height = grey.height;
-    const std::size_t count = grey.pixels.size();
-    const int threshold = percentile(histogramOf(grey), count, 0.5) - 40;
-    const int minimumHeight = static_cast<int>(12 * devicePixelRatio);
-    const int minimumWidth = static_cast<int>(40 * devicePixelRatio);
-
-    std::vector<std::uint8_t> state(count, 0); // 1 visited, 2 inverted
-    std::vector<std::size_t> stack;
-    for (std::size_t start = 0; start < count; ++start) {
-        if (state[start] != 0 || grey.pixels[start] >= threshold)
-            continue;
-        int left = width, right = -1, top = height, bottom = -1;
-        std::size_t area = 0;
-        stack.push_back(start);
-        state[start] = 1;
-        while (!stack.empty()) {
-            const std::size_t at = stack.back();
-            stack.pop_back();
-            ++area;
-            const int x = static_cast<int>(at % static_cast<std::size_t>(width));
-            const int y = static_cast<int>(at / static_cast<std::size_t>(width));
-            left = std::min(left, x);
-            right = std::max(right, x);
-            top = std::min(top, y);
-            bottom = std::max(bottom, y);
-            const auto visit = [&](std::size_t next) {
-                if (state[next] == 0 && grey.pixels[next] < threshold) {
-                    state[next] = 1;
-                    stack.push_back(next);
-                }
-            };
-            if (x > 0)
-                visit(at - 1);
-            if (x + 1 < width)
-                visit(at + 1);
-            if (y > 0)
-                visit(at - static_cast<std::size_t>(width));
-            if (y + 1 < height)
-                visit(at + static_cast<std::size_t>(width));
-        }
-        const int boxWidth = right - left + 1;
-        const int boxHeight = bottom - top + 1;
-        const bool panel =
-            boxWidth >= minimumWidth && boxHeight >= minimumHeight &&
-            area * 10 >= static_cast<std::size_t>(boxWidth) * static_cast<std::size_t>(boxHeight) * 6;
-        // The whole image is the ground, not a panel on it.
-        if (!panel || (boxWidth == width && boxHeight == height))
-            continue;
-        // The panel's own ground becomes white and its lightest pixels (the text) black.
-        std::uint64_t groundSum = 0;
-        int lightest = 0;
-        for (int y = top; y <= bottom; ++y) {
-            for (int x = left; x <= right; ++x) {
-                const std::size_t at = static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                                       static_cast<std::size_t>(x);
-                if (state[at] == 1 && grey.pixels[at] < threshold)
-                    groundSum += grey.pixels[at];
-                lightest = std::max<int>(lightest, grey.pixels[at]);
-            }
-        }
-        const double panelGround = static_cast<double>(groundSum) / static_cast<double>(area);
-        const double span = std::max(1.0, lightest - panelGround);
-        for (int y = top; y <= bottom; ++y) {
-            for (int x = left; x <= right; ++x) {
-                const std::size_t at = static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                                       static_cast<std::size_t>(x);
-                if (state[at] == 2)
-                    continue;
-                grey.pixels[at] = clampToByte(255.0 * (lightest - grey.pixels[at]) / span);
-                state[at] = 2;
-            }
-        }
-    }
-}
-
-// Catmull-Rom weights for a sample at distance t (0 to 1) after the second of four neighbours.
-std::array<double, 4> cubicWeights(double t) {
-    const double t2 = t * t;
-    const double t3 = t2 * t;
-    return {(-t3 + 2 * t2 - t) / 2, (3 * t3 - 5 * t2 + 2) / 2, (-3 * t3 + 4 * t2 + t) / 2, (t3 - t2) / 2};
-}
-
-GreyImage enlargeTwice(const GreyImage &source, TesseractSettings::Upscale filter) {
-    GreyImage result{source.width * 2, source.height * 2, {}};
-    result.pixels.resize(static_cast<std::size_t>(result.width) * static_cast<std::size_t>(result.height));
-    std::size_t out = 0;
-    for (int y = 0; y < result.height; ++y) {
-        // Pixel centres: destination y + 0.5 maps to source (y + 0.5) / 2 - 0.5.
-        const double sy = (y + 0.5) / 2 - 0.5;
-        const int y0 = static_cast<int>(std::floor(sy));
-        const double ty = sy - y0;
-        for (int x = 0; x < result.width; ++x, ++out) {
-            const double sx = (x + 0.5) / 2 - 0.5;
-            const int x0 = static_cast<int>(std::floor(sx));
-            const double tx = sx - x0;
-            switch (filter) {
-            case TesseractSettings::Upscale::none:
-            case TesseractSettings::Upscale::nearest:
-                result.pixels[out] = source.at(x / 2, y / 2);
-                break;
-            case TesseractSettings::Upscale::bilinear:
-                result.pixels[out] =
-                    clampToByte((source.at(x0, y0) * (1 - tx) + source.at(x0 + 1, y0) * tx) * (1 - ty) +
-                                (source.at(x0, y0 + 1) * (1 - tx) + source.at(x0 + 1, y0 + 1) * tx) * ty);
-                break;
-            case TesseractSettings::Upscale::bicubic: {
-                const std::array<double, 4> wx = cubicWeights(tx);
-                const std::array<double, 4> wy = cubicWeights(ty);
-                double sum = 0;
-                for (int j = 0; j < 4; ++j) {
-                    double row = 0;
-                    for (int i = 0; i < 4; ++i)
-                        row += wx[static_cast<std::size_t>(i)] * source.at(x0 - 1 + i, y0 - 1 + j);
-                    sum += wy[static_cast<std::size_t>(j)] * row;
-                }
-                result.pixels[out] = clampToByte(sum);
-                break;
-            }
-            }
-        }
-    }
-    return result;
-}
 
 bool hasLetterOrDigit(std::u16string_view text) {
     return std::any_of(text.begin(), text.end(), [](char16_t unit) {
@@ -390,6 +195,35 @@ std::vector<Reading> dropIcons(std::vector<Reading> words, const GreyImage &grey
     return kept;
 }
 
+// Tesseract reads one band of the image; its readings are in the band's own pixels.
+std::optional<std::vector<Reading>> readBand(tesseract::TessBaseAPI &api, const GreyImage &band, double scale,
+                                             const TesseractSettings &settings) {
+    api.SetPageSegMode(static_cast<tesseract::PageSegMode>(settings.pageSegMode));
+    api.SetImage(band.pixels.data(), band.width, band.height, 1, band.width);
+    api.SetSourceResolution(static_cast<int>(std::lround(settings.resolutionPerScale * scale)));
+    if (api.Recognize(nullptr) != 0) {
+        api.Clear();
+        return std::nullopt;
+    }
+    std::vector<Reading> readings = read(api, settings.level, settings.noiseConfidence);
+    api.Clear();
+    if (settings.level == TesseractSettings::Level::words)
+        readings = dropIcons(joinWords(std::move(readings), band), band);
+    return readings;
+}
+
+std::unique_ptr<tesseract::TessBaseAPI> loadModel(const std::string &dataPath) {
+    auto api = std::make_unique<tesseract::TessBaseAPI>();
+    const char *firstPath = dataPath.empty() ? nullptr : dataPath.c_str();
+    if (api->Init(firstPath, "eng", tesseract::OEM_LSTM_ONLY) != 0 &&
+        (firstPath != nullptr || api->Init(debianDataPath, "eng", tesseract::OEM_LSTM_ONLY) != 0))
+        return nullptr;
+    // The image is inverted here when needed; Tesseract's own retry of every line in inverse is
+    // slow.
+    api->SetVariable("tessedit_do_invert", "0");
+    return api;
+}
+
 } // namespace
 
 TesseractTextRecognizer::TesseractTextRecognizer(TesseractSettings settings)
@@ -410,18 +244,9 @@ bool TesseractTextRecognizer::loadLocked() {
         return true;
     if (loadFailed_)
         return false;
-    auto api = std::make_unique<tesseract::TessBaseAPI>();
-    const char *firstPath = settings_.dataPath.empty() ? nullptr : settings_.dataPath.c_str();
-    if (api->Init(firstPath, "eng", tesseract::OEM_LSTM_ONLY) != 0 &&
-        (firstPath != nullptr || api->Init(debianDataPath, "eng", tesseract::OEM_LSTM_ONLY) != 0)) {
-        loadFailed_ = true;
-        return false;
-    }
-    // The image is inverted here when needed; Tesseract's own retry of every line in inverse is
-    // slow.
-    api->SetVariable("tessedit_do_invert", "0");
-    api_ = std::move(api);
-    return true;
+    api_ = loadModel(settings_.dataPath);
+    loadFailed_ = !api_;
+    return !loadFailed_;
 }
 
 std::optional<std::vector<RecognizedFragment>> TesseractTextRecognizer::recognize(const ScreenImage &image) {
@@ -432,37 +257,80 @@ std::optional<std::vector<RecognizedFragment>> TesseractTextRecognizer::recogniz
     if (!loadLocked())
         return std::nullopt;
 
-    GreyImage grey = toGrey(image);
+    GreyImage grey = tesseractImage::toGrey(image);
     if (settings_.invertDark) {
-        normalise(grey);
-        invertFilledPanels(grey, image.devicePixelRatio);
+        tesseractImage::normalise(grey);
+        tesseractImage::invertFilledPanels(grey, image.devicePixelRatio);
     }
-    double scale = std::max(image.devicePixelRatio, 1.0);
-    if (image.devicePixelRatio < 1.5 && settings_.upscale != TesseractSettings::Upscale::none) {
-        grey = enlargeTwice(grey, settings_.upscale);
-        scale *= 2;
+    // Small text is enlarged for Tesseract; text already large reads as well without, in about
+    // half the time.
+    const int upscaleBelow = settings_.upscaleBelowLetterHeight;
+    const bool enlarge = image.devicePixelRatio < 1.5 &&
+                         settings_.upscale != TesseractSettings::Upscale::none &&
+                         (upscaleBelow <= 0 || tesseractImage::letterHeight(grey) < upscaleBelow);
+    const int factor = enlarge ? 2 : 1;
+    // Text left at its size because it is large is as large as enlarged small text: Tesseract is
+    // told the same resolution (a lower one only makes it estimate its own, and say so).
+    const bool largeText =
+        image.devicePixelRatio < 1.5 && !enlarge && settings_.upscale != TesseractSettings::Upscale::none;
+    const double scale = std::max(image.devicePixelRatio, 1.0) * (largeText ? 2 : factor);
+
+    // A large image is read in two bands, cut at blank rows, on two threads. The second band needs
+    // a model of its own, loaded for the request only (while the first band is read) so that it
+    // holds no memory between requests.
+    const long parallelFrom = settings_.parallelFromPixels;
+    const int split =
+        parallelFrom > 0 && static_cast<long>(grey.pixels.size()) * factor * factor >= parallelFrom
+            ? tesseractImage::blankRowNearMiddle(grey)
+            : -1;
+    struct Band {
+        int top = 0;
+        GreyImage image;
+        std::optional<std::vector<Reading>> readings;
+    };
+    std::vector<Band> bands;
+    if (split > 0) {
+        bands.push_back({0, tesseractImage::rows(grey, 0, split), {}});
+        bands.push_back({split, tesseractImage::rows(grey, split, grey.height), {}});
+    } else {
+        bands.push_back({0, std::move(grey), {}});
+    }
+    const auto readOn = [&](tesseract::TessBaseAPI &api, Band &band) {
+        if (enlarge)
+            band.image = tesseractImage::enlargeTwice(band.image, settings_.upscale);
+        band.readings = readBand(api, band.image, scale, settings_);
+    };
+    if (bands.size() == 2) {
+        bool secondRead = false;
+        std::thread second([&] {
+            if (const auto api = loadModel(settings_.dataPath)) {
+                readOn(*api, bands[1]);
+                api->End();
+                secondRead = true;
+            }
+        });
+        readOn(*api_, bands[0]);
+        second.join();
+        if (!secondRead)
+            readOn(*api_, bands[1]);
+    } else {
+        readOn(*api_, bands[0]);
     }
 
-    api_->SetPageSegMode(static_cast<tesseract::PageSegMode>(settings_.pageSegMode));
-    api_->SetImage(grey.pixels.data(), grey.width, grey.height, 1, grey.width);
-    api_->SetSourceResolution(static_cast<int>(std::lround(settings_.resolutionPerScale * scale)));
-    if (api_->Recognize(nullptr) != 0) {
-        api_->Clear();
-        return std::nullopt;
-    }
-
-    std::vector<Reading> readings = read(*api_, settings_.level, settings_.noiseConfidence);
-    if (settings_.level == TesseractSettings::Level::words)
-        readings = dropIcons(joinWords(std::move(readings), grey), grey);
     std::vector<RecognizedFragment> fragments;
-    const double width = grey.width;
-    const double height = grey.height;
-    for (Reading &reading : readings) {
-        const Box &box = reading.box;
-        fragments.push_back({box.left / width, 1.0 - box.bottom / height, (box.right - box.left) / width,
-                             (box.bottom - box.top) / height, std::move(reading.text)});
+    const double width = image.width * factor;
+    const double height = image.height * factor;
+    for (Band &band : bands) {
+        if (!band.readings)
+            return std::nullopt;
+        const int top = band.top * factor;
+        for (Reading &reading : *band.readings) {
+            const Box &box = reading.box;
+            fragments.push_back({box.left / width, 1.0 - (top + box.bottom) / height,
+                                 (box.right - box.left) / width, (box.bottom - box.top) / height,
+                                 std::move(reading.text)});
+        }
     }
-    api_->Clear();
     return fragments;
 }
 

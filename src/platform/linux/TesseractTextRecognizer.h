@@ -28,6 +28,13 @@ struct TesseractSettings {
     Level level = Level::words;
     // Applied to images of 1 device pixel per point, which are enlarged 2×.
     Upscale upscale = Upscale::bicubic;
+    // Images of 1 device pixel per point are enlarged only when their letters are smaller than
+    // this (in pixels, about the height of an x); 0 enlarges them always.
+    int upscaleBelowLetterHeight = 11;
+    // Images of at least this many pixels (after enlarging) are read in two bands at once on two
+    // threads, cut at a blank run of rows in their middle half; the second band loads a model of
+    // its own (about 6 MB) for the time of the request. 0 never.
+    long parallelFromPixels = 1'000'000;
     // Pixels per inch Tesseract is told the image has, per device pixel per point after enlarging.
     int resolutionPerScale = 70;
     // All text is made dark on white: a dark ground and filled panels darker than the ground (a
