@@ -35,6 +35,56 @@ std::array<double, 4> cubicWeights(double t) {
     return {(-t3 + 2 * t2 - t) / 2, (3 * t3 - 5 * t2 + 2) / 2, (-3 * t3 + 4 * t2 + t) / 2, (t3 - t2) / 2};
 }
 
+// Every 4-connected area of pixels darker than the threshold that no mark covers yet: its pixels
+// are marked 1 and its box handed to `found`, which may mark more (and change pixels it marked).
+struct DarkArea {
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+    std::size_t area = 0;
+};
+
+template <typename Found>
+void forEachDarkArea(const GreyImage &grey, int threshold, std::vector<std::uint8_t> &marks, Found found) {
+    const int width = grey.width;
+    const std::size_t count = grey.pixels.size();
+    std::vector<std::size_t> stack;
+    for (std::size_t start = 0; start < count; ++start) {
+        if (marks[start] != 0 || grey.pixels[start] >= threshold)
+            continue;
+        DarkArea box{width, grey.height, -1, -1, 0};
+        stack.push_back(start);
+        marks[start] = 1;
+        while (!stack.empty()) {
+            const std::size_t at = stack.back();
+            stack.pop_back();
+            ++box.area;
+            const int x = static_cast<int>(at % static_cast<std::size_t>(width));
+            const int y = static_cast<int>(at / static_cast<std::size_t>(width));
+            box.left = std::min(box.left, x);
+            box.right = std::max(box.right, x);
+            box.top = std::min(box.top, y);
+            box.bottom = std::max(box.bottom, y);
+            const auto visit = [&](std::size_t next) {
+                if (marks[next] == 0 && grey.pixels[next] < threshold) {
+                    marks[next] = 1;
+                    stack.push_back(next);
+                }
+            };
+            if (x > 0)
+                visit(at - 1);
+            if (x + 1 < width)
+                visit(at + 1);
+            if (y > 0)
+                visit(at - static_cast<std::size_t>(width));
+            if (y + 1 < grey.height)
+                visit(at + static_cast<std::size_t>(width));
+        }
+        found(box);
+    }
+}
+
 } // namespace
 
 // Luma, over white where the pixel is not opaque.
@@ -85,39 +135,8 @@ void invertFilledPanels(GreyImage &grey, double devicePixelRatio) {
     const int minimumWidth = static_cast<int>(40 * devicePixelRatio);
 
     std::vector<std::uint8_t> state(count, 0); // 1 visited, 2 inverted
-    std::vector<std::size_t> stack;
-    for (std::size_t start = 0; start < count; ++start) {
-        if (state[start] != 0 || grey.pixels[start] >= threshold)
-            continue;
-        int left = width, right = -1, top = height, bottom = -1;
-        std::size_t area = 0;
-        stack.push_back(start);
-        state[start] = 1;
-        while (!stack.empty()) {
-            const std::size_t at = stack.back();
-            stack.pop_back();
-            ++area;
-            const int x = static_cast<int>(at % static_cast<std::size_t>(width));
-            const int y = static_cast<int>(at / static_cast<std::size_t>(width));
-            left = std::min(left, x);
-            right = std::max(right, x);
-            top = std::min(top, y);
-            bottom = std::max(bottom, y);
-            const auto visit = [&](std::size_t next) {
-                if (state[next] == 0 && grey.pixels[next] < threshold) {
-                    state[next] = 1;
-                    stack.push_back(next);
-                }
-            };
-            if (x > 0)
-                visit(at - 1);
-            if (x + 1 < width)
-                visit(at + 1);
-            if (y > 0)
-                visit(at - static_cast<std::size_t>(width));
-            if (y + 1 < height)
-                visit(at + static_cast<std::size_t>(width));
-        }
+    forEachDarkArea(grey, threshold, state, [&](const DarkArea &box) {
+        const auto [left, top, right, bottom, area] = box;
         const int boxWidth = right - left + 1;
         const int boxHeight = bottom - top + 1;
         const bool panel =
@@ -125,7 +144,7 @@ void invertFilledPanels(GreyImage &grey, double devicePixelRatio) {
             area * 10 >= static_cast<std::size_t>(boxWidth) * static_cast<std::size_t>(boxHeight) * 6;
         // The whole image is the ground, not a panel on it.
         if (!panel || (boxWidth == width && boxHeight == height))
-            continue;
+            return;
         // The panel's own ground becomes white and its lightest pixels (the text) black.
         std::uint64_t groundSum = 0;
         int lightest = 0;
@@ -150,7 +169,7 @@ void invertFilledPanels(GreyImage &grey, double devicePixelRatio) {
                 state[at] = 2;
             }
         }
-    }
+    });
 }
 
 GreyImage enlargeTwice(const GreyImage &source, TesseractSettings::Upscale filter) {
@@ -238,47 +257,15 @@ int blankRowNearMiddle(const GreyImage &grey) {
 }
 
 int letterHeight(const GreyImage &grey) {
-    const int width = grey.width;
-    const std::size_t count = grey.pixels.size();
-    std::vector<bool> seen(count);
-    std::vector<std::size_t> stack;
+    std::vector<std::uint8_t> seen(grey.pixels.size(), 0);
     std::vector<int> heights;
-    for (std::size_t start = 0; start < count; ++start) {
-        if (seen[start] || grey.pixels[start] >= 128)
-            continue;
-        int left = width, right = -1, top = grey.height, bottom = -1;
-        stack.push_back(start);
-        seen[start] = true;
-        while (!stack.empty()) {
-            const std::size_t at = stack.back();
-            stack.pop_back();
-            const int x = static_cast<int>(at % static_cast<std::size_t>(width));
-            const int y = static_cast<int>(at / static_cast<std::size_t>(width));
-            left = std::min(left, x);
-            right = std::max(right, x);
-            top = std::min(top, y);
-            bottom = std::max(bottom, y);
-            const auto visit = [&](std::size_t next) {
-                if (!seen[next] && grey.pixels[next] < 128) {
-                    seen[next] = true;
-                    stack.push_back(next);
-                }
-            };
-            if (x > 0)
-                visit(at - 1);
-            if (x + 1 < width)
-                visit(at + 1);
-            if (y > 0)
-                visit(at - static_cast<std::size_t>(width));
-            if (y + 1 < grey.height)
-                visit(at + static_cast<std::size_t>(width));
-        }
-        const int boxWidth = right - left + 1;
-        const int boxHeight = bottom - top + 1;
+    forEachDarkArea(grey, 128, seen, [&](const DarkArea &box) {
+        const int boxWidth = box.right - box.left + 1;
+        const int boxHeight = box.bottom - box.top + 1;
         // Letters are neither specks nor rules nor panels.
         if (boxHeight >= 4 && boxHeight <= 100 && boxWidth * 3 >= boxHeight && boxWidth <= boxHeight * 2)
             heights.push_back(boxHeight);
-    }
+    });
     if (heights.empty())
         return 0;
     const auto middle = heights.begin() + static_cast<std::ptrdiff_t>(heights.size() / 2);
