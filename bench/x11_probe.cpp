@@ -120,27 +120,40 @@ void sendKey(Display *display, KeySym symbol, bool press) {
     XTestFakeKeyEvent(display, XKeysymToKeycode(display, symbol), press ? True : False, CurrentTime);
 }
 
+// Presses Shift+Super+KEY through XTest and lets go; the time is that of KEY's press, which
+// completes the chord.
+double pressShiftSuper(Display *display, KeySym key) {
+    sendKey(display, XK_Shift_L, true);
+    sendKey(display, XK_Super_L, true);
+    XSync(display, False);
+    const double pressed = nowMs();
+    sendKey(display, key, true);
+    XFlush(display);
+    sendKey(display, key, false);
+    sendKey(display, XK_Super_L, false);
+    sendKey(display, XK_Shift_L, false);
+    XFlush(display);
+    return pressed;
+}
+
+// XFixes tells who takes the clipboard; its events are numbered from eventBase.
+bool hasXFixes(Display *display, int &eventBase) {
+    int errorBase = 0;
+    if (XFixesQueryExtension(display, &eventBase, &errorBase) != 0)
+        return true;
+    std::fprintf(stderr, "x11_probe: no XFixes\n");
+    return false;
+}
+
 int chord(Display *display) {
-    int eventBase = 0, errorBase = 0;
-    if (XFixesQueryExtension(display, &eventBase, &errorBase) == 0) {
-        std::fprintf(stderr, "x11_probe: no XFixes\n");
+    int eventBase = 0;
+    if (!hasXFixes(display, eventBase))
         return 2;
-    }
     const Window root = DefaultRootWindow(display);
     const Atom clipboard = XInternAtom(display, "CLIPBOARD", False);
     XFixesSelectSelectionInput(display, root, clipboard, XFixesSetSelectionOwnerNotifyMask);
     const Window before = XGetSelectionOwner(display, clipboard);
-    sendKey(display, XK_Shift_L, true);
-    sendKey(display, XK_Super_L, true);
-    XSync(display, False);
-    // The chord is complete with the T; time from there.
-    const double start = nowMs();
-    sendKey(display, XK_t, true);
-    XFlush(display);
-    sendKey(display, XK_t, false);
-    sendKey(display, XK_Super_L, false);
-    sendKey(display, XK_Shift_L, false);
-    XFlush(display);
+    const double start = pressShiftSuper(display, XK_t);
     XEvent event{};
     while (nextEvent(display, event, start + 10000)) {
         if (event.type != eventBase + XFixesSelectionNotify)
@@ -218,27 +231,16 @@ int capture(Display *display, char **arguments) {
     const int screens = std::atoi(arguments[1]);
     const int x1 = std::atoi(arguments[2]), y1 = std::atoi(arguments[3]);
     const int x2 = std::atoi(arguments[4]), y2 = std::atoi(arguments[5]);
-    int eventBase = 0, errorBase = 0;
-    if (XFixesQueryExtension(display, &eventBase, &errorBase) == 0) {
-        std::fprintf(stderr, "x11_probe: no XFixes\n");
+    int eventBase = 0;
+    if (!hasXFixes(display, eventBase))
         return 2;
-    }
     const Window root = DefaultRootWindow(display);
     const Atom clipboard = XInternAtom(display, "CLIPBOARD", False);
     XSelectInput(display, root, SubstructureNotifyMask);
     XFixesSelectSelectionInput(display, root, clipboard, XFixesSetSelectionOwnerNotifyMask);
     XSync(display, False);
 
-    sendKey(display, XK_Shift_L, true);
-    sendKey(display, XK_Super_L, true);
-    XSync(display, False);
-    const double pressed = nowMs();
-    sendKey(display, XK_2, true);
-    XFlush(display);
-    sendKey(display, XK_2, false);
-    sendKey(display, XK_Super_L, false);
-    sendKey(display, XK_Shift_L, false);
-    XFlush(display);
+    const double pressed = pressShiftSuper(display, XK_2);
     double overlayMs = -1;
     int overlays = 0;
     XEvent event{};

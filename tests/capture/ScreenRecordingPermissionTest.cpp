@@ -1,14 +1,6 @@
 #include "capture/ScreenRecordingPermission.h"
-#include "platform/InMemoryLoginItem.h"
-#include "platform/InMemoryPasteboard.h"
-#include "platform/InMemoryPreferenceStore.h"
-#include "platform/PlatformServices.h"
-#include "platform/RecordingKeystrokeSender.h"
-#include "platform/RecordingUrlOpener.h"
-#include "platform/ScreenCaptureAccess.h"
-#include "platform/ScriptedDialogs.h"
+#include "capture/PermissionGateServices.h"
 
-#include <QCoreApplication>
 #include <QDialog>
 #include <QPushButton>
 #include <gtest/gtest.h>
@@ -16,37 +8,15 @@
 namespace glyphmill {
 namespace {
 
-class ScreenRecordingPermission : public ::testing::Test {
+class ScreenRecordingPermission : public ::testing::Test, protected PermissionGateServices {
 protected:
-    ScreenRecordingPermission() {
-        installPlatformServices({.preferences = &userDefaults,
-                                 .pasteboard = &clipboard,
-                                 .dialogs = &dialogs,
-                                 .keystrokes = &keystrokes,
-                                 .loginItem = &loginItem,
-                                 .urls = &urls,
-                                 .screenAccess = &access});
-        access.granted = false;
-    }
-    ~ScreenRecordingPermission() override {
-        if (QDialog *panel = screenRecordingExplanationPanel())
-            panel->reject();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
+    ScreenRecordingPermission() { access.granted = false; }
     static void press(const QString &title) {
         for (auto *button : screenRecordingExplanationPanel()->findChildren<QPushButton *>())
             if (button->text() == title)
                 button->click();
     }
     std::optional<bool> explained() const { return userDefaults.boolValue(screenRecordingExplainedKey); }
-
-    InMemoryPreferenceStore userDefaults;
-    InMemoryPasteboard clipboard;
-    ScriptedDialogs dialogs;
-    RecordingKeystrokeSender keystrokes;
-    InMemoryLoginItem loginItem;
-    RecordingUrlOpener urls;
-    InMemoryScreenCaptureAccess access;
 };
 
 const std::vector<std::string> allAddresses(screenRecordingSettingsAddresses.begin(),

@@ -1,24 +1,15 @@
 #include "capture/ScreenTextCaptureCoordinator.h"
-#include "capture/ScreenRecordingPermission.h"
+#include "capture/PermissionGateServices.h"
 #include "clipboard/CaptureHistory.h"
 #include "clipboard/ClipboardHistory.h"
 #include "clipboard/ClipboardManager.h"
 #include "clipboard/ClipboardMonitor.h"
-#include "platform/InMemoryLoginItem.h"
-#include "platform/InMemoryPasteboard.h"
-#include "platform/InMemoryPreferenceStore.h"
 #include "platform/InMemoryScreenGrabber.h"
-#include "platform/PlatformServices.h"
-#include "platform/RecordingKeystrokeSender.h"
-#include "platform/RecordingUrlOpener.h"
-#include "platform/ScreenCaptureAccess.h"
-#include "platform/ScriptedDialogs.h"
 #include "platform/SystemLog.h"
 #include "settings/AppSettings.h"
 #include "support/SpinUntil.h"
 
 #include <QCoreApplication>
-#include <QDialog>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QSemaphore>
@@ -54,24 +45,10 @@ public:
     QSemaphore entered, gate;
 };
 
-class CaptureCoordinator : public ::testing::Test {
+// The permission gate reads the installed services.
+class CaptureCoordinator : public ::testing::Test, protected PermissionGateServices {
 protected:
-    CaptureCoordinator() {
-        // The permission gate reads the installed services.
-        installPlatformServices({.preferences = &userDefaults,
-                                 .pasteboard = &clipboard,
-                                 .dialogs = &dialogs,
-                                 .keystrokes = &keystrokes,
-                                 .loginItem = &loginItem,
-                                 .urls = &urls,
-                                 .screenAccess = &access});
-        clipboard.copyTextFromOtherApplication(u"before");
-    }
-    ~CaptureCoordinator() override {
-        if (QDialog *panel = screenRecordingExplanationPanel())
-            panel->reject();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
+    CaptureCoordinator() { clipboard.copyTextFromOtherApplication(u"before"); }
     ScreenTextCaptureServices services(TextRecognizer &textRecognizer) {
         return {.grabber = &grabber,
                 .recognizer = &textRecognizer,
@@ -109,14 +86,7 @@ protected:
     }
     std::optional<std::u16string> clipboardText() const { return clipboard.string("text/plain"); }
 
-    InMemoryPreferenceStore userDefaults;
-    InMemoryPasteboard clipboard;
-    ScriptedDialogs dialogs;
-    RecordingKeystrokeSender keystrokes;
-    InMemoryLoginItem loginItem;
-    RecordingUrlOpener urls;
     RecordingSystemLog log;
-    InMemoryScreenCaptureAccess access;
     ShrinkableGrabber grabber;
     ScriptedTextRecognizer recognizer;
     AppSettings settings{userDefaults, loginItem};
