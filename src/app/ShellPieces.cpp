@@ -38,11 +38,11 @@ void installMenuBar(ProtectedTermsStore &termsStore) {
 
 void installWindowActions() {
     glyphmill::installWindowActions({
-        .showSettingsWindow = [](ProtectedTermsStore &store) { glyphmill::showSettingsWindow(store); },
-        .showWelcomeGuide = [](ProtectedTermsStore *store) { glyphmill::showWelcomeGuide(store); },
+        .showSettingsWindow = glyphmill::showSettingsWindow,
+        .showWelcomeGuide = glyphmill::showWelcomeGuide,
         .showServicesHelp = SelectionServicesProvider::showServicesHelp,
         .openKeyboardShortcutsSettings = SelectionServicesProvider::openKeyboardShortcutsSettings,
-        .openScreenRecordingSettings = [] { openScreenRecordingSettings(); },
+        .openScreenRecordingSettings = openScreenRecordingSettings,
     });
 }
 
