@@ -17,6 +17,9 @@ public:
         return noted(target_.setValue(key, value));
     }
     bool removeValue(std::string_view key) override { return noted(target_.removeValue(key)); }
+    bool updateValue(std::string_view key, const PreferenceUpdate &update) override {
+        return noted(target_.updateValue(key, update));
+    }
 
     bool failed = false;
 

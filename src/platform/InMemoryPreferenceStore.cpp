@@ -26,4 +26,13 @@ bool InMemoryPreferenceStore::removeValue(std::string_view key) {
     return true;
 }
 
+void InMemoryPreferenceStore::storeFromElsewhere(std::string_view key,
+                                                 const std::optional<PreferenceValue> &value) {
+    if (value)
+        values_.insert_or_assign(std::string(key), *value);
+    else if (auto found = values_.find(key); found != values_.end())
+        values_.erase(found);
+    notifyObservers();
+}
+
 } // namespace glyphmill

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 
 namespace glyphmill {
 
@@ -14,6 +15,9 @@ public:
     std::optional<PreferenceValue> value(std::string_view key) const override;
     bool setValue(std::string_view key, const PreferenceValue &value) override;
     bool removeValue(std::string_view key) override;
+
+    // As if another program had stored the value (none removes it): observers hear of it.
+    void storeFromElsewhere(std::string_view key, const std::optional<PreferenceValue> &value);
 
     void setFailsWrites(bool failsWrites) { failsWrites_ = failsWrites; }
     // Accepted calls of setValue and removeValue.

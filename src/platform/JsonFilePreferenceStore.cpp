@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <dirent.h>
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/file.h>
@@ -294,8 +295,28 @@ std::optional<std::string> moveAside(const std::string &path) {
     return std::nullopt;
 }
 
+std::string temporaryPrefix(const std::string &path) {
+    return path + ".tmp-";
+}
+
+// Temporaries are only made while the lock is held, so one found by a lock holder was left by a
+// writer that died before renaming it.
+void removeStaleTemporaries(const std::string &path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string prefix = temporaryPrefix(path).substr(slash == std::string::npos ? 0 : slash + 1);
+    DIR *listing = ::opendir(directoryOf(path).c_str());
+    if (!listing)
+        return;
+    while (const dirent *entry = ::readdir(listing)) {
+        if (std::string_view(entry->d_name).starts_with(prefix))
+            ::unlinkat(::dirfd(listing), entry->d_name, 0);
+    }
+    ::closedir(listing);
+}
+
 bool replaceFile(const std::string &path, std::string_view text) {
-    std::string temporaryPath = path + ".tmp-XXXXXX";
+    removeStaleTemporaries(path);
+    std::string temporaryPath = temporaryPrefix(path) + "XXXXXX";
     FileDescriptor file(::mkostemp(temporaryPath.data(), O_CLOEXEC));
     if (!file.valid())
         return false;
@@ -393,15 +414,47 @@ std::vector<std::string> JsonFilePreferenceStore::keys() const {
 }
 
 bool JsonFilePreferenceStore::setValue(std::string_view key, const PreferenceValue &value) {
-    return rewrite(key, &value);
+    return rewrite(key, [&](Entries &entries) { entries.object[std::string(key)] = toJson(value); });
 }
 
 bool JsonFilePreferenceStore::removeValue(std::string_view key) {
-    return rewrite(key, nullptr);
+    return rewrite(key, [&](Entries &entries) { entries.object.erase(std::string(key)); });
 }
 
-bool JsonFilePreferenceStore::rewrite(std::string_view key, const PreferenceValue *newValue) {
-    if (!createDirectories(directoryOf(path_)))
+bool JsonFilePreferenceStore::updateValue(std::string_view key, const PreferenceUpdate &update) {
+    return rewrite(key, [&](Entries &entries) {
+        auto found = entries.object.find(key);
+        auto stored = found == entries.object.end() ? std::nullopt : fromJson(*found);
+        if (auto changed = update(stored))
+            entries.object[std::string(key)] = toJson(*changed);
+    });
+}
+
+void JsonFilePreferenceStore::reload() {
+    // No lock: writers replace the file by renaming, so a read sees one whole version.
+    FileBytes file = readWholeFile(path_);
+    if (file.state == FileState::unreadable)
+        return;
+    Json object = Json::object();
+    if (file.state == FileState::read) {
+        auto parsed = parseObject(file.bytes);
+        if (!parsed)
+            return;
+        object = std::move(*parsed);
+    }
+    if (object == entries_->object && !unannouncedChanges_)
+        return;
+    entries_->object = std::move(object);
+    unannouncedChanges_ = false;
+    notifyObservers();
+}
+
+bool JsonFilePreferenceStore::createDirectory() const {
+    return createDirectories(directoryOf(path_));
+}
+
+bool JsonFilePreferenceStore::rewrite(std::string_view key, const std::function<void(Entries &)> &change) {
+    if (!createDirectory())
         return false;
     FileDescriptor lock = lockBeside(path_);
     if (!lock.valid())
@@ -410,15 +463,19 @@ bool JsonFilePreferenceStore::rewrite(std::string_view key, const PreferenceValu
     if (!loaded)
         return false;
 
-    Json updated = loaded->object;
-    if (newValue)
-        updated[std::string(key)] = toJson(*newValue);
-    else
-        updated.erase(std::string(key));
-    const bool unchanged = updated == loaded->object && (loaded->existed || updated.empty());
-    const bool stored = unchanged || replaceFile(path_, serialized(updated));
-    // Memory follows the file either way: it may hold newer keys written by another process.
-    entries_->object = stored ? std::move(updated) : std::move(loaded->object);
+    Entries updated{loaded->object};
+    change(updated);
+    const bool unchanged = updated.object == loaded->object && (loaded->existed || updated.object.empty());
+    const bool stored = unchanged || replaceFile(path_, serialized(updated.object));
+
+    // Memory follows the file either way. Keys other than this one that differ from what this
+    // store held were written by another program; observers hear of them at the next reload.
+    Json othersBefore = entries_->object;
+    Json othersNow = loaded->object;
+    othersBefore.erase(std::string(key));
+    othersNow.erase(std::string(key));
+    unannouncedChanges_ = unannouncedChanges_ || othersBefore != othersNow;
+    entries_->object = stored ? std::move(updated.object) : std::move(loaded->object);
     return stored;
 }
 

@@ -1,11 +1,13 @@
 // The preference store on Linux: one JSON object in one file. Every write takes a lock,
 // re-reads the file, changes one key and replaces the file atomically, so the tray
 // application and the command line can write at the same time without losing each other's keys.
-// One instance serves one thread.
+// A running program calls reload when the file changes (see PreferenceFileWatcher) to follow
+// what others wrote. One instance serves one thread.
 #pragma once
 
 #include "platform/PreferenceStore.h"
 
+#include <functional>
 #include <memory>
 
 namespace glyphmill {
@@ -21,10 +23,16 @@ public:
     JsonFilePreferenceStore(const JsonFilePreferenceStore &) = delete;
     JsonFilePreferenceStore &operator=(const JsonFilePreferenceStore &) = delete;
 
-    // Answered from what was last read or written; the file is read again only by writes.
+    // Answered from what was last read or written; the file is read again by writes and reload.
     std::optional<PreferenceValue> value(std::string_view key) const override;
     bool setValue(std::string_view key, const PreferenceValue &value) override;
     bool removeValue(std::string_view key) override;
+    bool updateValue(std::string_view key, const PreferenceUpdate &update) override;
+    // A file that cannot be read or parsed now is left for the next write to deal with.
+    void reload() override;
+
+    // Creates the file's folder (private to the user) if it is missing, so it can be watched.
+    bool createDirectory() const;
 
     const std::string &path() const { return path_; }
     // Every key present, including those whose value has a shape this store does not know.
@@ -34,11 +42,13 @@ public:
 
 private:
     struct Entries;
-    bool rewrite(std::string_view key, const PreferenceValue *newValue);
+    bool rewrite(std::string_view key, const std::function<void(Entries &)> &change);
 
     std::string path_;
     std::unique_ptr<Entries> entries_;
     std::optional<std::string> setAsidePath_;
+    // Set when a write took in keys another program had changed: reload must still announce them.
+    bool unannouncedChanges_ = false;
 };
 
 } // namespace glyphmill

@@ -2,7 +2,10 @@
 // their type, so "absent" and "present but of another type" can be told apart.
 #pragma once
 
+#include "platform/ObserverList.h"
+
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,6 +16,9 @@ namespace glyphmill {
 
 using PreferenceData = std::vector<std::uint8_t>;
 using PreferenceValue = std::variant<bool, std::u16string, std::vector<std::u16string>, PreferenceData>;
+// Given the value stored now (none when absent), the value to store instead, or none to leave it.
+using PreferenceUpdate =
+    std::function<std::optional<PreferenceValue>(const std::optional<PreferenceValue> &stored)>;
 
 class PreferenceStore {
 public:
@@ -22,6 +28,18 @@ public:
     // False when the value could not be stored; the store then keeps what it had.
     virtual bool setValue(std::string_view key, const PreferenceValue &value) = 0;
     virtual bool removeValue(std::string_view key) = 0;
+    // Reads the key and stores what the update makes of it as one step that no other writer,
+    // in this program or another, can come between: a list changed this way never loses an
+    // entry someone else added meanwhile. False when a new value could not be stored.
+    virtual bool updateValue(std::string_view key, const PreferenceUpdate &update);
+
+    // Takes in what other programs wrote since the store last looked, telling the observers
+    // when anything differs. A store that no other program shares has nothing to take in.
+    virtual void reload() {}
+    // Observers hear of changes made elsewhere, after they are in place; what this program
+    // writes itself is not announced. Returns a token for removeObserver.
+    int addObserver(std::function<void()> observer) { return observers_.add(std::move(observer)); }
+    void removeObserver(int token) { observers_.remove(token); }
 
     // Typed reads: none when the key is absent or holds another type.
     std::optional<bool> boolValue(std::string_view key) const { return typed<bool>(key); }
@@ -33,6 +51,9 @@ public:
     }
     std::optional<PreferenceData> dataValue(std::string_view key) const { return typed<PreferenceData>(key); }
 
+protected:
+    void notifyObservers() const { observers_.notify(); }
+
 private:
     template <typename T> std::optional<T> typed(std::string_view key) const {
         auto stored = value(key);
@@ -42,6 +63,8 @@ private:
             return std::move(*held);
         return std::nullopt;
     }
+
+    ObserverList<> observers_;
 };
 
 } // namespace glyphmill

@@ -270,6 +270,137 @@ TEST_F(JsonFilePreferenceStoreTest, ConcurrentProcessesLoseNoKeyAndFileAlwaysPar
     EXPECT_FALSE(fs::exists(path_ + ".corrupt"));
 }
 
+// Appends one entry to the list under "list" as a single read-modify-write.
+bool appendToList(PreferenceStore &store, const std::u16string &entry) {
+    return store.updateValue("list", [&](const std::optional<PreferenceValue> &stored) {
+        Strings list;
+        if (const auto *held = stored ? std::get_if<Strings>(&*stored) : nullptr)
+            list = *held;
+        list.push_back(entry);
+        return std::optional<PreferenceValue>(list);
+    });
+}
+
+TEST_F(JsonFilePreferenceStoreTest, UpdatesFromConcurrentProcessesLoseNoEntry) {
+    constexpr int processes = 4, appendsPerProcess = 40;
+    std::vector<pid_t> children;
+    for (int process = 0; process < processes; ++process) {
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            // Each process keeps its own store, as the tray and the command line do.
+            JsonFilePreferenceStore store(path_);
+            bool ok = true;
+            for (int i = 0; i < appendsPerProcess; ++i)
+                ok = appendToList(store, u"p" + std::u16string(1, char16_t(u'0' + process)) + u"." +
+                                             std::u16string(1, char16_t(u'A' + i))) &&
+                     ok;
+            ::_exit(ok ? 0 : 1);
+        }
+        children.push_back(child);
+    }
+    for (pid_t child : children) {
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    const auto list = JsonFilePreferenceStore(path_).stringArrayValue("list");
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->size(), std::size_t(processes * appendsPerProcess));
+    // Each process's entries keep their order.
+    for (int process = 0; process < processes; ++process) {
+        Strings own;
+        for (const auto &entry : *list)
+            if (entry[1] == char16_t(u'0' + process))
+                own.push_back(entry);
+        ASSERT_EQ(own.size(), std::size_t(appendsPerProcess));
+        EXPECT_TRUE(std::is_sorted(own.begin(), own.end()));
+    }
+}
+
+TEST_F(JsonFilePreferenceStoreTest, UpdateThatDeclinesWritesNothing) {
+    JsonFilePreferenceStore store(path_);
+    std::optional<PreferenceValue> seen = PreferenceValue(true);
+    EXPECT_TRUE(store.updateValue("absent", [&](const std::optional<PreferenceValue> &stored) {
+        seen = stored;
+        return std::optional<PreferenceValue>();
+    }));
+    EXPECT_FALSE(seen);
+    EXPECT_FALSE(fs::exists(path_));
+}
+
+TEST_F(JsonFilePreferenceStoreTest, WriterKilledAtAnyMomentLeavesAValidFileAndNoLitter) {
+    ASSERT_TRUE(JsonFilePreferenceStore(path_).setValue("list", Strings{u"first"}));
+    for (int round = 0; round < 30; ++round) {
+        int ready[2];
+        ASSERT_EQ(::pipe(ready), 0);
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            ::close(ready[0]);
+            JsonFilePreferenceStore store(path_);
+            ::close(ready[1]); // tells the parent the writes begin
+            for (int i = 0;; ++i)
+                appendToList(store, u"x" + std::u16string(std::size_t(i % 50), u'y'));
+        }
+        ::close(ready[1]);
+        char ignored;
+        (void)::read(ready[0], &ignored, 1);
+        ::close(ready[0]);
+        // A different moment of the write cycle each round.
+        ::usleep(useconds_t(200 + (round * 733) % 4000));
+        ::kill(child, SIGKILL);
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+
+        const Json parsed = Json::parse(readFile(path_), nullptr, false);
+        ASSERT_TRUE(parsed.is_object()) << "round " << round;
+        ASSERT_TRUE(parsed.contains("list"));
+        EXPECT_EQ(parsed["list"][0], "first");
+    }
+    // The next writer clears away what killed writers left half-made.
+    ASSERT_TRUE(JsonFilePreferenceStore(path_).setValue("after", true));
+    EXPECT_EQ(namesIn(directory_), (std::vector<std::string>{"preferences.json", "preferences.json.lock"}));
+}
+
+TEST_F(JsonFilePreferenceStoreTest, ReloadAnnouncesOnlyWhatOtherProgramsChanged) {
+    JsonFilePreferenceStore tray(path_);
+    JsonFilePreferenceStore other(path_);
+    int announcements = 0;
+    tray.addObserver([&] { ++announcements; });
+
+    ASSERT_TRUE(tray.setValue("own", true));
+    tray.reload();
+    EXPECT_EQ(announcements, 0) << "its own write";
+
+    ASSERT_TRUE(other.setValue("theirs", u"1"));
+    tray.reload();
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(tray.stringValue("theirs"), u"1");
+    tray.reload();
+    EXPECT_EQ(announcements, 1) << "nothing new";
+
+    // Taken in silently by the tray's own write, yet still announced at the next reload.
+    ASSERT_TRUE(other.setValue("theirs", u"2"));
+    ASSERT_TRUE(tray.setValue("own", false));
+    EXPECT_EQ(announcements, 1);
+    tray.reload();
+    EXPECT_EQ(announcements, 2);
+    EXPECT_EQ(tray.stringValue("theirs"), u"2");
+
+    // A file that does not parse is left for the next write to set aside; memory stays.
+    writeFile(path_, "{ not json");
+    tray.reload();
+    EXPECT_EQ(announcements, 2);
+    EXPECT_EQ(tray.stringValue("theirs"), u"2");
+
+    // A removed file means the defaults again.
+    fs::remove(path_);
+    tray.reload();
+    EXPECT_EQ(announcements, 3);
+    EXPECT_TRUE(tray.keys().empty());
+}
+
 TEST_F(JsonFilePreferenceStoreTest, WriteCutShortKeepsTheOldFile) {
     JsonFilePreferenceStore store(path_);
     ASSERT_TRUE(store.setValue("kept", u"old"));
