@@ -118,11 +118,27 @@ std::optional<std::string> encodeItems(const std::vector<CaptureHistoryItem> &it
     }
 }
 
+// A stored value that cannot be read in full gives an empty list.
+std::vector<CaptureHistoryItem> storedItems(const std::optional<PreferenceValue> &stored) {
+    std::vector<CaptureHistoryItem> items;
+    if (const auto *bytes = stored ? std::get_if<PreferenceData>(&*stored) : nullptr)
+        if (auto decoded = decodeItems(*bytes))
+            items = std::move(*decoded);
+    if (items.size() > CaptureHistory::maxItems)
+        items.resize(CaptureHistory::maxItems);
+    return items;
+}
+
 } // namespace
 
 CaptureHistory::CaptureHistory(PreferenceStore &userDefaults, Clock now, QObject *parent)
     : QObject(parent), userDefaults_(userDefaults), now_(std::move(now)) {
     load();
+    storeObserverToken_ = userDefaults_.addObserver([this] { followStoredItems(); });
+}
+
+CaptureHistory::~CaptureHistory() {
+    userDefaults_.removeObserver(storeObserverToken_);
 }
 
 CaptureHistory &CaptureHistory::shared() {
@@ -136,13 +152,13 @@ double CaptureHistory::currentTime() {
 }
 
 void CaptureHistory::load() {
-    std::vector<CaptureHistoryItem> items;
-    if (auto stored = userDefaults_.dataValue(preferenceKey))
-        if (auto decoded = decodeItems(*stored))
-            items = std::move(*decoded);
-    if (items.size() > maxItems)
-        items.resize(maxItems);
-    setItems(std::move(items));
+    setItems(storedItems(userDefaults_.value(preferenceKey)));
+}
+
+void CaptureHistory::followStoredItems() {
+    auto items = storedItems(userDefaults_.value(preferenceKey));
+    if (items != items_)
+        setItems(std::move(items));
 }
 
 void CaptureHistory::save() {
@@ -153,14 +169,21 @@ void CaptureHistory::save() {
 void CaptureHistory::add(std::u16string_view text) {
     if (textClasses::isBlank(text))
         return;
-    std::vector<CaptureHistoryItem> items = items_;
-    std::erase_if(items,
-                  [text](const CaptureHistoryItem &item) { return canonicallyEqual(item.text, text); });
-    items.insert(items.begin(), CaptureHistoryItem{QUuid::createUuid(), std::u16string(text), now_()});
-    if (items.size() > maxItems)
-        items.resize(maxItems);
+    const CaptureHistoryItem added{QUuid::createUuid(), std::u16string(text), now_()};
+    std::vector<CaptureHistoryItem> items;
+    userDefaults_.updateValue(preferenceKey, [&](const std::optional<PreferenceValue> &stored) {
+        items = storedItems(stored);
+        std::erase_if(items,
+                      [text](const CaptureHistoryItem &item) { return canonicallyEqual(item.text, text); });
+        items.insert(items.begin(), added);
+        if (items.size() > maxItems)
+            items.resize(maxItems);
+        // A text that cannot be stored is still listed until the program ends.
+        auto encoded = encodeItems(items);
+        return encoded ? std::optional<PreferenceValue>(PreferenceData(encoded->begin(), encoded->end()))
+                       : std::nullopt;
+    });
     setItems(std::move(items));
-    save();
 }
 
 std::optional<std::u16string> CaptureHistory::textForID(const QUuid &id) const {

@@ -1,5 +1,7 @@
 // The texts of the most recent screen captures, newest first, kept across restarts as JSON in
-// the preference store and written through on every change.
+// the preference store and written through on every change. A capture is added to the stored
+// list as it is at that moment, and a list changed elsewhere is taken in when the preference
+// store announces it.
 #pragma once
 
 #include "platform/PreferenceStore.h"
@@ -39,6 +41,7 @@ public:
     // reference date; tests pass their own.
     explicit CaptureHistory(PreferenceStore &userDefaults, Clock now = currentTime,
                             QObject *parent = nullptr);
+    ~CaptureHistory() override;
 
     // Made on first use from the installed platform services; never destroyed.
     static CaptureHistory &shared();
@@ -66,9 +69,12 @@ signals:
 private:
     void setItems(std::vector<CaptureHistoryItem> items);
 
+    void followStoredItems();
+
     PreferenceStore &userDefaults_;
     Clock now_;
     std::vector<CaptureHistoryItem> items_;
+    int storeObserverToken_ = 0;
 };
 
 } // namespace glyphmill

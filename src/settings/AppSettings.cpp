@@ -13,28 +13,77 @@ std::size_t slot(KeyboardShortcutID id) {
 }
 } // namespace
 
+struct AppSettings::StoredSwitch {
+    bool AppSettings::*field;
+    std::string_view key;
+    bool (*read)(const PreferenceStore &, std::string_view);
+    void (AppSettings::*changed)(bool);
+};
+
+const std::array<AppSettings::StoredSwitch, 10> &AppSettings::storedSwitches() {
+    static const std::array<StoredSwitch, 10> switches{{
+        {&AppSettings::launchAtLogin_, settingsKeys::launchAtLogin, readBooleanSetting,
+         &AppSettings::launchAtLoginChanged},
+        {&AppSettings::onboardingCompleted_, settingsKeys::onboardingCompleted, readBooleanSetting,
+         &AppSettings::onboardingCompletedChanged},
+        {&AppSettings::preserveProtectedTerms_, settingsKeys::preserveProtectedTerms, readSwitchSetting,
+         &AppSettings::preserveProtectedTermsChanged},
+        {&AppSettings::preserveURLs_, settingsKeys::preserveURLs, readSwitchSetting,
+         &AppSettings::preserveURLsChanged},
+        {&AppSettings::preserveEmails_, settingsKeys::preserveEmails, readSwitchSetting,
+         &AppSettings::preserveEmailsChanged},
+        {&AppSettings::preserveFilePaths_, settingsKeys::preserveFilePaths, readSwitchSetting,
+         &AppSettings::preserveFilePathsChanged},
+        {&AppSettings::preserveHashtagsAndMentions_, settingsKeys::preserveHashtagsAndMentions,
+         readSwitchSetting, &AppSettings::preserveHashtagsAndMentionsChanged},
+        {&AppSettings::correctAllUppercaseProse_, settingsKeys::correctAllUppercaseProse, readSwitchSetting,
+         &AppSettings::correctAllUppercaseProseChanged},
+        {&AppSettings::automaticallyClearFormatting_, settingsKeys::automaticallyClearFormatting,
+         readBooleanSetting, &AppSettings::automaticallyClearFormattingChanged},
+        {&AppSettings::applySmartCaseToAllCapsCaptures_, settingsKeys::applySmartCaseToAllCapsCaptures,
+         readBooleanSetting, &AppSettings::applySmartCaseToAllCapsCapturesChanged},
+    }};
+    return switches;
+}
+
 AppSettings::AppSettings(PreferenceStore &userDefaults, LoginItem &loginItem, QObject *parent)
     : QObject(parent), userDefaults_(userDefaults), loginItem_(loginItem) {
     // Loading assigns the fields directly: nothing is written back and nobody is notified.
-    launchAtLogin_ = readBooleanSetting(userDefaults_, settingsKeys::launchAtLogin);
-    onboardingCompleted_ = readBooleanSetting(userDefaults_, settingsKeys::onboardingCompleted);
-    preserveProtectedTerms_ = readSwitchSetting(userDefaults_, settingsKeys::preserveProtectedTerms);
-    preserveURLs_ = readSwitchSetting(userDefaults_, settingsKeys::preserveURLs);
-    preserveEmails_ = readSwitchSetting(userDefaults_, settingsKeys::preserveEmails);
-    preserveFilePaths_ = readSwitchSetting(userDefaults_, settingsKeys::preserveFilePaths);
-    preserveHashtagsAndMentions_ =
-        readSwitchSetting(userDefaults_, settingsKeys::preserveHashtagsAndMentions);
-    correctAllUppercaseProse_ = readSwitchSetting(userDefaults_, settingsKeys::correctAllUppercaseProse);
-    automaticallyClearFormatting_ =
-        readBooleanSetting(userDefaults_, settingsKeys::automaticallyClearFormatting);
-    applySmartCaseToAllCapsCaptures_ =
-        readBooleanSetting(userDefaults_, settingsKeys::applySmartCaseToAllCapsCaptures);
+    for (const StoredSwitch &stored : storedSwitches())
+        this->*stored.field = stored.read(userDefaults_, stored.key);
     for (auto id : allKeyboardShortcutIDs)
         shortcuts_[slot(id)] = readShortcutSetting(userDefaults_, id);
     // Registered again at every start, so a login item removed behind our back comes back.
     if (launchAtLogin_)
         loginItem_.registerLoginItem();
     isReady_ = true;
+    storeObserverToken_ = userDefaults_.addObserver([this] { followStoredSettings(); });
+}
+
+AppSettings::~AppSettings() {
+    userDefaults_.removeObserver(storeObserverToken_);
+}
+
+void AppSettings::followStoredSettings() {
+    for (const StoredSwitch &stored : storedSwitches()) {
+        const bool value = stored.read(userDefaults_, stored.key);
+        if (value == this->*stored.field)
+            continue;
+        this->*stored.field = value;
+        emit(this->*stored.changed)(value);
+        switchDidChange(stored.field);
+    }
+    bool chordsChanged = false;
+    for (auto id : allKeyboardShortcutIDs) {
+        const KeyboardShortcutChord chord = readShortcutSetting(userDefaults_, id);
+        if (chord == shortcuts_[slot(id)])
+            continue;
+        shortcuts_[slot(id)] = chord;
+        notifyShortcutChanged(id);
+        chordsChanged = true;
+    }
+    if (chordsChanged)
+        shortcutsDidChange();
 }
 
 AppSettings &AppSettings::shared() {
@@ -52,13 +101,24 @@ void AppSettings::writeBoolean(bool &field, std::string_view key, bool value,
     emit(this->*changed)(value);
 }
 
+void AppSettings::switchDidChange(bool AppSettings::*field) {
+    if (field == &AppSettings::launchAtLogin_) {
+        // A refusal is not reported: the stored choice stays what the user picked.
+        if (launchAtLogin_)
+            loginItem_.registerLoginItem();
+        else
+            loginItem_.unregisterLoginItem();
+    } else if (field == &AppSettings::automaticallyClearFormatting_) {
+        // After this change has been handled: the pass may rewrite the clipboard and refresh
+        // observers, so formatted text already on the clipboard is cleaned at once.
+        QMetaObject::invokeMethod(
+            this, [this] { emit automaticClearingRequested(); }, Qt::QueuedConnection);
+    }
+}
+
 void AppSettings::setLaunchAtLogin(bool value) {
     writeBoolean(launchAtLogin_, settingsKeys::launchAtLogin, value, &AppSettings::launchAtLoginChanged);
-    // A refusal is not reported: the stored choice stays what the user picked.
-    if (value)
-        loginItem_.registerLoginItem();
-    else
-        loginItem_.unregisterLoginItem();
+    switchDidChange(&AppSettings::launchAtLogin_);
 }
 
 void AppSettings::setOnboardingCompleted(bool value) {
@@ -97,9 +157,7 @@ void AppSettings::setCorrectAllUppercaseProse(bool value) {
 void AppSettings::setAutomaticallyClearFormatting(bool value) {
     writeBoolean(automaticallyClearFormatting_, settingsKeys::automaticallyClearFormatting, value,
                  &AppSettings::automaticallyClearFormattingChanged);
-    // After this write has returned: the pass may rewrite the clipboard and refresh observers.
-    QMetaObject::invokeMethod(
-        this, [this] { emit automaticClearingRequested(); }, Qt::QueuedConnection);
+    switchDidChange(&AppSettings::automaticallyClearFormatting_);
 }
 
 void AppSettings::setApplySmartCaseToAllCapsCaptures(bool value) {
@@ -160,6 +218,10 @@ KeyboardShortcutChord AppSettings::shortcut(KeyboardShortcutID id) const {
 
 void AppSettings::persistShortcut(KeyboardShortcutID id) {
     userDefaults_.setValue(preferenceKey(id), encodeChordData(shortcuts_[slot(id)]));
+    notifyShortcutChanged(id);
+}
+
+void AppSettings::notifyShortcutChanged(KeyboardShortcutID id) {
     switch (id) {
     case KeyboardShortcutID::palette:
         emit paletteShortcutChanged();

@@ -1,6 +1,8 @@
 // The user's preferences, the four shortcut chords and their registration-failed flags. Every
 // property notifies on every assignment (even of the same value); every persisted property is
-// written through to the preference store at once.
+// written through to the preference store at once. When the preference store announces changes
+// made by another program, the properties whose stored values differ are assigned and notify
+// as if they had been set here, without writing anything back.
 #pragma once
 
 #include "platform/LoginItem.h"
@@ -49,6 +51,7 @@ public:
     // Loads every value from the store without writing anything back, then registers the login
     // item again when the user asked for it.
     AppSettings(PreferenceStore &userDefaults, LoginItem &loginItem, QObject *parent = nullptr);
+    ~AppSettings() override;
 
     // Made on first use from the installed platform services; never destroyed.
     static AppSettings &shared();
@@ -126,9 +129,15 @@ signals:
     void automaticClearingRequested();
 
 private:
+    struct StoredSwitch;
+    static const std::array<StoredSwitch, 10> &storedSwitches();
+    void followStoredSettings();
     // Assigns, writes through, then notifies.
     void writeBoolean(bool &field, std::string_view key, bool value, void (AppSettings::*changed)(bool));
+    // What changing a switch sets in motion besides the notification.
+    void switchDidChange(bool AppSettings::*field);
     void persistShortcut(KeyboardShortcutID id);
+    void notifyShortcutChanged(KeyboardShortcutID id);
     void shortcutsDidChange();
 
     PreferenceStore &userDefaults_;
@@ -148,6 +157,7 @@ private:
     bool isReady_ = false;
     std::function<void()> reregisterHotKeys_;
     std::function<void()> rebuildMenu_;
+    int storeObserverToken_ = 0;
 };
 
 } // namespace glyphmill

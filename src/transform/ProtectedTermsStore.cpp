@@ -3,8 +3,22 @@
 #include "TextModel.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace glyphmill {
+
+namespace {
+
+// A stored list is taken as it is, blanks and duplicates included; an empty or missing list,
+// or a value of another type, means the built-in one.
+std::vector<std::u16string> termsFrom(const std::optional<PreferenceValue> &stored) {
+    if (stored)
+        if (const auto *list = std::get_if<std::vector<std::u16string>>(&*stored); list && !list->empty())
+            return *list;
+    return ProtectedTermsStore::defaultTerms();
+}
+
+} // namespace
 
 const std::vector<std::u16string> &ProtectedTermsStore::defaultTerms() {
     static const std::vector<std::u16string> terms = {
@@ -15,78 +29,66 @@ const std::vector<std::u16string> &ProtectedTermsStore::defaultTerms() {
     return terms;
 }
 
-ProtectedTermsStore::ProtectedTermsStore(PreferenceStore &userDefaults) : userDefaults_(userDefaults) {
-    // A stored list is taken as it is, blanks and duplicates included; an empty or missing
-    // list means the built-in one. Nothing is written here, so the stored value stays as found.
-    auto stored = userDefaults_.stringArrayValue(preferenceKey);
-    if (stored && !stored->empty())
-        terms_ = std::move(*stored);
-    else
-        terms_ = defaultTerms();
+ProtectedTermsStore::ProtectedTermsStore(PreferenceStore &userDefaults)
+    : userDefaults_(userDefaults), terms_(termsFrom(userDefaults.value(preferenceKey))) {
+    // Nothing is written here, so the stored value stays as found.
+    storeObserverToken_ = userDefaults_.addObserver([this] { followStoredList(); });
+}
+
+ProtectedTermsStore::~ProtectedTermsStore() {
+    userDefaults_.removeObserver(storeObserverToken_);
 }
 
 void ProtectedTermsStore::addTerm(std::u16string_view text) {
     const std::u16string_view term = text::trimmedWhiteSpaceAndNewlines(text);
     if (term.empty())
         return;
-    // The spelling already in the list wins over the new one.
-    auto equalsTerm = [term](const std::u16string &present) {
-        return text::equalIgnoringCase(present, term);
-    };
-    if (std::any_of(terms_.begin(), terms_.end(), equalsTerm))
-        return;
-    std::vector<std::u16string> terms = terms_;
-    terms.emplace_back(term);
-    assign(std::move(terms));
-    save();
+    std::vector<std::u16string> terms;
+    // The list is the stored one at this moment, which may hold terms added elsewhere.
+    userDefaults_.updateValue(preferenceKey, [&](const std::optional<PreferenceValue> &stored) {
+        terms = termsFrom(stored);
+        // The spelling already in the list wins over the new one, and nothing is written.
+        auto equalsTerm = [term](const std::u16string &present) {
+            return text::equalIgnoringCase(present, term);
+        };
+        if (std::any_of(terms.begin(), terms.end(), equalsTerm))
+            return std::optional<PreferenceValue>();
+        terms.emplace_back(term);
+        return std::optional<PreferenceValue>(terms);
+    });
+    // A refused write leaves the file as it was; the list in memory stays the user's current
+    // list either way, as nothing here can report the failure.
+    if (terms != terms_)
+        assign(std::move(terms));
 }
 
 void ProtectedTermsStore::removeTerm(std::u16string_view text) {
-    std::vector<std::u16string> terms = terms_;
-    std::erase_if(terms,
-                  [text](const std::u16string &present) { return text::equalIgnoringCase(present, text); });
+    std::vector<std::u16string> terms;
+    userDefaults_.updateValue(preferenceKey, [&](const std::optional<PreferenceValue> &stored) {
+        terms = termsFrom(stored);
+        std::erase_if(
+            terms, [text](const std::u16string &present) { return text::equalIgnoringCase(present, text); });
+        // Written even when nothing was removed.
+        return std::optional<PreferenceValue>(terms);
+    });
     // Observers hear of the assignment even when nothing was removed.
     assign(std::move(terms));
-    save();
 }
 
 void ProtectedTermsStore::restoreDefaultTerms() {
     assign(defaultTerms());
-    save();
-}
-
-int ProtectedTermsStore::addObserver(Observer observer) {
-    const int token = nextObserverToken_++;
-    observers_.emplace_back(token, std::move(observer));
-    return token;
-}
-
-void ProtectedTermsStore::removeObserver(int token) {
-    std::erase_if(observers_, [token](const auto &entry) { return entry.first == token; });
+    userDefaults_.setValue(preferenceKey, terms_);
 }
 
 void ProtectedTermsStore::assign(std::vector<std::u16string> terms) {
     terms_ = std::move(terms);
-    // By token, so that an observer may add or remove observers (itself included) while being
-    // called: one removed meanwhile is not called, one added meanwhile waits for the next change.
-    std::vector<int> tokens;
-    tokens.reserve(observers_.size());
-    for (const auto &entry : observers_)
-        tokens.push_back(entry.first);
-    for (int token : tokens) {
-        auto found = std::find_if(observers_.begin(), observers_.end(),
-                                  [token](const auto &entry) { return entry.first == token; });
-        if (found == observers_.end())
-            continue;
-        const Observer observer = found->second; // survives its own removal during the call
-        observer(terms_);
-    }
+    observers_.notify(terms_);
 }
 
-void ProtectedTermsStore::save() {
-    // The preference store keeps what it had when a write fails; the list in memory stays the
-    // user's current list either way, as nothing here can report the failure.
-    userDefaults_.setValue(preferenceKey, terms_);
+void ProtectedTermsStore::followStoredList() {
+    auto stored = termsFrom(userDefaults_.value(preferenceKey));
+    if (stored != terms_)
+        assign(std::move(stored));
 }
 
 } // namespace glyphmill

@@ -1,7 +1,10 @@
-// The user's protected terms, loaded from the preference store once and written back whole
-// after every change. Observers hear every assignment of the list.
+// The user's protected terms, loaded from the preference store and kept in step with it: every
+// change is one read-modify-write of the stored list, so a term another program added meanwhile
+// is kept, and a change made elsewhere is taken in when the preference store announces it.
+// Observers hear every assignment of the list.
 #pragma once
 
+#include "platform/ObserverList.h"
 #include "platform/PreferenceStore.h"
 
 #include <functional>
@@ -19,6 +22,9 @@ public:
     static const std::vector<std::u16string> &defaultTerms();
 
     explicit ProtectedTermsStore(PreferenceStore &userDefaults);
+    ~ProtectedTermsStore();
+    ProtectedTermsStore(const ProtectedTermsStore &) = delete;
+    ProtectedTermsStore &operator=(const ProtectedTermsStore &) = delete;
 
     const std::vector<std::u16string> &terms() const { return terms_; }
     void addTerm(std::u16string_view text);
@@ -26,17 +32,17 @@ public:
     void restoreDefaultTerms();
 
     // Returns a token for removeObserver.
-    int addObserver(Observer observer);
-    void removeObserver(int token);
+    int addObserver(Observer observer) { return observers_.add(std::move(observer)); }
+    void removeObserver(int token) { observers_.remove(token); }
 
 private:
     void assign(std::vector<std::u16string> terms);
-    void save();
+    void followStoredList();
 
     PreferenceStore &userDefaults_;
     std::vector<std::u16string> terms_;
-    std::vector<std::pair<int, Observer>> observers_;
-    int nextObserverToken_ = 1;
+    ObserverList<std::vector<std::u16string>> observers_;
+    int storeObserverToken_ = 0;
 };
 
 } // namespace glyphmill

@@ -3,6 +3,7 @@
 #include "platform/JsonFilePreferenceStore.h"
 #include "platform/PlatformServices.h"
 #include "platform/linux/DesktopUrlOpener.h"
+#include "platform/linux/PreferenceFileWatcher.h"
 #include "platform/linux/QtDialogs.h"
 #include "platform/linux/QtPasteboard.h"
 #include "platform/linux/QtScreenGrabber.h"
@@ -17,8 +18,13 @@ namespace glyphmill {
 
 void installLinuxPlatformServices() {
     // Never destroyed: controllers that are never destroyed either hold these.
+    static auto *preferences = [] {
+        auto *store = new JsonFilePreferenceStore();
+        new PreferenceFileWatcher(*store); // as long-lived as the store it follows
+        return store;
+    }();
     static const PlatformServices services{
-        .preferences = new JsonFilePreferenceStore(),
+        .preferences = preferences,
         .pasteboard = new QtPasteboard(),
         .dialogs = new QtDialogs(),
         .keystrokes = new XTestKeystrokeSender(),
