@@ -101,10 +101,10 @@ std::vector<Tool> allTools() {
                                 std::pair{RegexPreset::nonEmpty, "non-empty"}}) {
         std::u16string pattern(*presetPattern(preset));
         add(std::string("lines/matching/") + name, Source::lineList,
-            [pattern](const Input &in) { return matchingLines(pattern, in.text).value_or(u"").size(); });
+            [pattern](const Input &in) { return matchingLines(pattern, in.text).lines.size(); });
     }
     add("lines/matching/pattern", Source::lineList,
-        [](const Input &in) { return matchingLines(customPattern, in.text).value_or(u"").size(); });
+        [](const Input &in) { return matchingLines(customPattern, in.text).lines.size(); });
     add("lines/containing", Source::lineList,
         [](const Input &in) { return containingLines(u"report", in.text).size(); });
     add("lines/fix-whitespace", Source::lineList,

@@ -234,7 +234,9 @@ constexpr LinesToolHelp linesToolHelps[] = {
                        "--delimiter says otherwise. Another TEXT is trimmed of white space.\n"},
     {LinesTool::matching, "Usage: glyphmill lines matching (--preset NAME | --pattern PATTERN) [FILE]\n\n"
                           "Keeps the lines that match. Presets: email, url, contains-at, contains-digit,\n"
-                          "non-empty. A PATTERN is an ICU regular expression, trimmed of white space.\n"},
+                          "non-empty. A PATTERN is an ICU regular expression, trimmed of white space.\n"
+                          "A search that takes too long (about a second, more on inputs of many\n"
+                          "megabytes) is stopped with status 65 and no output.\n"},
     {LinesTool::containing, "Usage: glyphmill lines containing [--] TEXT [FILE]\n\n"
                             "Keeps the lines that contain TEXT, trimmed of white space.\n"},
     {LinesTool::replace, "Usage: glyphmill lines replace [--match-case] [--] FIND REPLACEMENT [FILE]\n\n"

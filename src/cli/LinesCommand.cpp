@@ -41,8 +41,8 @@ std::u16string regexPattern(const LinesRequest &request) {
         request.regexPreset == RegexPreset::custom
             ? trimmedArgument(request.customText, "the pattern", "Enter a regex pattern.")
             : std::u16string(*presetPattern(request.regexPreset));
-    // Checked on an empty text so that a bad pattern is refused before the input is read.
-    if (!matchingLines(pattern, u""))
+    // Checked before the input is read.
+    if (!isValidPattern(pattern))
         fail(ExitStatus::invalidText, "Invalid regular expression.");
     return pattern;
 }
@@ -99,9 +99,15 @@ ExitStatus runLines(const LinesRequest &request) {
     case LinesTool::split:
         result = splitText(text, argument);
         break;
-    case LinesTool::matching:
-        result = matchingLines(argument, text).value_or(std::u16string());
+    case LinesTool::matching: {
+        MatchingResult matched = matchingLines(argument, text);
+        // The pattern compiled, so the search was stopped. Nothing reaches standard output: a
+        // partial result would look like a whole one.
+        if (matched.failure)
+            fail(ExitStatus::invalidText, "The pattern takes too long on this text.");
+        result = std::move(matched.lines);
         break;
+    }
     case LinesTool::containing:
         result = containingLines(argument, text);
         break;

@@ -8,6 +8,8 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include <chrono>
+#include <cstdint>
 #include <memory>
 
 namespace glyphmill::lineTools {
@@ -55,22 +57,48 @@ std::unique_ptr<icu::RegexPattern> compiledPattern(std::u16string_view pattern) 
     return compiled;
 }
 
+using Clock = std::chrono::steady_clock;
+
+// A second for any text, and one more for every ten million UTF-16 units (10 MB of ASCII), so
+// that a fair pattern on a large input is never stopped while a runaway one is stopped soon on
+// a clipboard's text.
+Clock::duration searchBudget(std::size_t textLength) {
+    return std::chrono::seconds(1) + std::chrono::nanoseconds(100 * std::int64_t(textLength));
+}
+
+struct Deadline {
+    Clock::time_point at;
+    bool passed() const { return Clock::now() >= at; }
+};
+
+UBool U_CALLCONV beforeDeadline(const void *deadline, int32_t /*timeUnits*/) {
+    return !static_cast<const Deadline *>(deadline)->passed();
+}
+
+constexpr std::size_t linesBetweenClockReadings = 32;
+
 } // namespace
 
 bool isValidPattern(std::u16string_view pattern) {
     return compiledPattern(pattern) != nullptr;
 }
 
-std::optional<std::u16string> matchingLines(std::u16string_view pattern, std::u16string_view text) {
+MatchingResult matchingLines(std::u16string_view pattern, std::u16string_view text) {
     // Declared before the matcher, which refers to it until the matcher is gone.
     icu::UnicodeString input;
     std::unique_ptr<icu::RegexPattern> compiled = compiledPattern(pattern);
     if (!compiled)
-        return std::nullopt;
+        return {{}, MatchingFailure::invalidPattern};
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::RegexMatcher> matcher(compiled->matcher(status));
     if (U_FAILURE(status) || !matcher)
-        return std::nullopt;
+        return {{}, MatchingFailure::invalidPattern};
+    // The engine calls back at every unit of its time limit (some thousands of backtracking
+    // steps); past the deadline the call stops the search with an error.
+    const Deadline deadline{Clock::now() + searchBudget(text.size())};
+    matcher->setMatchCallback(beforeDeadline, &deadline, status);
+    if (U_FAILURE(status))
+        return {{}, MatchingFailure::invalidPattern};
 
     // Each line is its own input, so "^" and "$" anchor at the line without multi-line mode.
     std::u16string result;
@@ -79,16 +107,29 @@ std::optional<std::u16string> matchingLines(std::u16string_view pattern, std::u1
     // failed attempt at each letter of each word.
     const bool needsAt = pattern == presetPattern(RegexPreset::email);
     bool hasKept = false;
+    // A line whose search stays short of one time unit never calls back, so the clock is also
+    // read between lines; a few dozen such lines take milliseconds at most.
+    std::size_t linesSinceClock = 0;
     for (std::u16string_view line : breakLines(text).lines) {
+        if (++linesSinceClock == linesBetweenClockReadings) {
+            linesSinceClock = 0;
+            if (deadline.passed())
+                return {{}, MatchingFailure::tooSlow};
+        }
         if (needsAt && line.find(u'@') == std::u16string_view::npos)
             continue;
         input.setTo(false, line.data(), int32_t(line.size()));
         UErrorCode lineStatus = U_ZERO_ERROR;
         matcher->reset(input);
-        if (matcher->find(0, lineStatus) && U_SUCCESS(lineStatus))
+        const bool found = matcher->find(0, lineStatus);
+        // Stopped by the deadline, or out of backtracking stack: either way the line's answer
+        // is unknown.
+        if (U_FAILURE(lineStatus))
+            return {{}, MatchingFailure::tooSlow};
+        if (found)
             appendKeptLine(result, hasKept, line);
     }
-    return result;
+    return {std::move(result), std::nullopt};
 }
 
 // Case-insensitive containment in every locale: both sides are compared in their caseless form

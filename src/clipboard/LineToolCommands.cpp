@@ -153,9 +153,19 @@ void LineToolCommands::linesMatchingRegex() {
         manager_.showClipboardAlert(u"Invalid regular expression.");
         return;
     }
-    manager_.applyTextOperation([&pattern](std::u16string_view text) {
-        return lineTools::matchingLines(pattern, text).value_or(std::u16string());
-    });
+    auto text = manager_.readText(true);
+    if (!text) {
+        monitor_.refresh();
+        manager_.showClipboardAlert(ClipboardManager::missingTextMessage);
+        return;
+    }
+    // Matched before anything is saved or written, so a search that is stopped changes nothing.
+    lineTools::MatchingResult matched = lineTools::matchingLines(pattern, *text);
+    if (matched.failure) { // the pattern compiled above: the search was stopped
+        manager_.showClipboardAlert(u"The pattern takes too long on this text.");
+        return;
+    }
+    manager_.replaceClipboardText([&matched] { return std::move(matched.lines); });
 }
 
 void LineToolCommands::linesContaining() {

@@ -60,9 +60,22 @@ std::u16string numberedLines(std::u16string_view text, NumberingStyle style);
 std::u16string bulletedLines(std::u16string_view text);
 std::u16string joinedLines(std::u16string_view text, std::u16string_view separator);
 std::u16string splitText(std::u16string_view text, std::u16string_view delimiter);
-// None when the pattern does not compile.
-std::optional<std::u16string> matchingLines(std::u16string_view pattern, std::u16string_view text);
-// Whether the pattern compiles with no options, that is whether matchingLines gives a text.
+// Why matchingLines kept no text.
+enum class MatchingFailure {
+    invalidPattern, // the pattern does not compile
+    // The search ran past its deadline and was stopped: about a second for the whole text, one
+    // more for every 10 MB, however many lines it has. A search that runs out of room to
+    // backtrack in a line fails the same way.
+    tooSlow,
+};
+struct MatchingResult {
+    std::u16string lines; // the kept lines; empty when the search failed
+    std::optional<MatchingFailure> failure;
+
+    bool operator==(const MatchingResult &) const = default;
+};
+MatchingResult matchingLines(std::u16string_view pattern, std::u16string_view text);
+// Whether the pattern compiles with no options, that is whether matchingLines can keep lines.
 bool isValidPattern(std::u16string_view pattern);
 std::u16string containingLines(std::u16string_view needle, std::u16string_view text);
 std::u16string fixedWhitespace(std::u16string_view text);

@@ -99,6 +99,15 @@ TEST_F(LinesCommand, RefusesBadArgumentsBeforeReadingInput) {
     }
 }
 
+TEST_F(LinesCommand, ARunawayPatternIsRefusedWithoutOutput) {
+    // The first line matches at once; the second would backtrack for hours.
+    ProcessResult result =
+        glyphmill.run({"lines", "matching", "--pattern", "(a+)+$"}, "aa\n" + std::string(40, 'a') + "b\n");
+    EXPECT_EQ(result.exitStatus, 65);
+    EXPECT_EQ(result.standardOutput, "");
+    EXPECT_EQ(result.standardError, "glyphmill: The pattern takes too long on this text.\n");
+}
+
 TEST_F(LinesCommand, HelpAtEveryLevelWinsOverMistakes) {
     EXPECT_TRUE(output({"lines", "--help"}).starts_with("Usage: glyphmill lines TOOL"));
     EXPECT_TRUE(output({"lines", "number", "--style", "roman", "--help"})

@@ -79,6 +79,18 @@ TEST_F(LineToolCommandTest, AnswersAreTrimmedAndValidatedBeforeTheClipboardIsRea
     EXPECT_EQ(alerts().size(), invalid.size());
 }
 
+TEST_F(LineToolCommandTest, ARunawayPatternIsStoppedAndChangesNothing) {
+    const std::u16string text = u"aa\n" + std::u16string(40, u'a') + u"b";
+    copy(text);
+    dialogs.answerChoice(5);
+    dialogs.answerText(u"(a+)+$");
+    lineTools.linesMatchingRegex();
+    EXPECT_EQ(alerts(), std::vector<std::u16string>{u"The pattern takes too long on this text."});
+    EXPECT_EQ(plainText(), text);
+    EXPECT_EQ(clipboard.writeCount(), 0);
+    EXPECT_FALSE(history.canRestore());
+}
+
 TEST_F(LineToolCommandTest, ContainingAndFindReplaceAskTheMonitorBeforeAnyPrompt) {
     copy(u"xabcx\nno");
     lineTools.linesContaining();

@@ -2,10 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
 namespace glyphmill::lineTools {
+
+// Found by the test framework next to the type.
+void PrintTo(const MatchingResult &result, std::ostream *out) {
+    if (result.failure)
+        *out << (*result.failure == MatchingFailure::tooSlow ? "too slow" : "invalid pattern");
+    else
+        *out << ::testing::PrintToString(result.lines);
+}
+
 namespace {
 
 struct TextCase {
@@ -137,17 +147,52 @@ TEST(SplitText, CutsAtEveryDelimiterAndTrimsThePieces) {
         EXPECT_EQ(splitText(c.text, c.delimiter), c.expected);
 }
 
+MatchingResult kept(std::u16string lines) {
+    return {std::move(lines), std::nullopt};
+}
+
 TEST(MatchingLines, KeepsTheLinesThePatternFindsAMatchIn) {
-    EXPECT_EQ(matchingLines(u"^\\d+", u"1a\nb2\n33\n"), u"1a\n33");
-    EXPECT_EQ(matchingLines(u"b$", u"ab\nba\r\nb\r\n"), u"ab\nb\r");
-    EXPECT_EQ(matchingLines(u"abc", u"ABC"), u"");
-    EXPECT_EQ(matchingLines(u"(a", u"a"), std::nullopt);
+    EXPECT_EQ(matchingLines(u"^\\d+", u"1a\nb2\n33\n"), kept(u"1a\n33"));
+    EXPECT_EQ(matchingLines(u"b$", u"ab\nba\r\nb\r\n"), kept(u"ab\nb\r"));
+    EXPECT_EQ(matchingLines(u"abc", u"ABC"), kept(u""));
+    EXPECT_EQ(matchingLines(u"(a", u"a"), (MatchingResult{u"", MatchingFailure::invalidPattern}));
     EXPECT_EQ(matchingLines(*presetPattern(RegexPreset::email), u"mail me@example.org\nme@x"),
-              u"mail me@example.org");
+              kept(u"mail me@example.org"));
     for (RegexPreset preset : allRegexPresets) {
         if (auto pattern = presetPattern(preset)) {
-            EXPECT_TRUE(matchingLines(*pattern, u"").has_value());
+            EXPECT_EQ(matchingLines(*pattern, u""), kept(u""));
         }
+    }
+}
+
+std::u16string repeated(std::u16string_view piece, std::size_t count) {
+    std::u16string text;
+    text.reserve(piece.size() * count);
+    for (std::size_t i = 0; i < count; ++i)
+        text.append(piece);
+    return text;
+}
+
+// Each search below would backtrack for minutes or more; it must give up at its deadline, keep
+// nothing (not even the lines that matched before) and say why.
+TEST(MatchingLines, StopsARunawayPatternOnTheWholeTextAndSaysSo) {
+    const std::vector<std::pair<std::u16string, std::u16string>> cases = {
+        {u"(a+)+$", u"aa\n" + repeated(u"a", 40) + u"b\naa"},
+        {u"(x+x+)+y", u"y\n" + repeated(u"x", 40)},
+        // Every line alone backtracks for a millisecond or two, too little for the engine to
+        // call back in the middle of it, but 200,000 of them run for minutes: the deadline is
+        // for the whole text.
+        {repeated(u"()", 60) + u"(a+)+$", repeated(u"aaaaaaaaaaab\n", 200'000)},
+        // Out of backtracking room in one long line, early: a line the engine could not answer
+        // for must not pass for a line that does not match.
+        {u"^(a|b)*$", u"x\n" + repeated(u"ab", 500'000)},
+    };
+    for (const auto &[pattern, text] : cases) {
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(matchingLines(pattern, text), (MatchingResult{u"", MatchingFailure::tooSlow}))
+            << ::testing::PrintToString(pattern);
+        // Far above the deadline: only a search that was never stopped gets here.
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
     }
 }
 
