@@ -1,6 +1,13 @@
 #include "GlyphmillProcess.h"
 
+#include "platform/JsonFilePreferenceStore.h"
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <sstream>
+#include <thread>
 
 namespace glyphmill::testing {
 namespace {
@@ -87,6 +94,74 @@ TEST_F(TermsCommand, PreferencesThatCannotBeSavedAreReported) {
     EXPECT_EQ(result.exitStatus, 73);
     EXPECT_TRUE(result.standardError.ends_with("\n"));
     EXPECT_NE(result.standardError.rfind("glyphmill: cannot save the protected terms"), std::string::npos);
+}
+
+// Runs every command at once, each in its own process, and waits for them all.
+std::vector<ProcessResult> runTogether(const GlyphmillProcess &glyphmill,
+                                       const std::vector<std::vector<std::string>> &commands) {
+    std::vector<ProcessResult> results(commands.size());
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < commands.size(); ++i)
+        threads.emplace_back([&, i] { results[i] = glyphmill.run(commands[i]); });
+    for (auto &thread : threads)
+        thread.join();
+    return results;
+}
+
+std::vector<std::string> lines(const std::string &text) {
+    std::vector<std::string> result;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        result.push_back(line);
+    return result;
+}
+
+TEST_F(TermsCommand, FiftyConcurrentAddsKeepEveryTerm) {
+    std::vector<std::vector<std::string>> commands;
+    for (int i = 0; i < 50; ++i)
+        commands.push_back({"terms", "add", "Term" + std::to_string(i)});
+    for (const ProcessResult &result : runTogether(glyphmill, commands)) {
+        EXPECT_EQ(result.exitStatus, 0);
+        EXPECT_EQ(result.standardError, "");
+    }
+    const auto listed = lines(listing());
+    ASSERT_EQ(listed.size(), 23u + 50u);
+    for (int i = 0; i < 50; ++i)
+        EXPECT_NE(std::find(listed.begin(), listed.end(), "Term" + std::to_string(i)), listed.end()) << i;
+}
+
+TEST_F(TermsCommand, ConcurrentAddsRemovesAndOtherWritersLoseNothing) {
+    for (int i = 0; i < 10; ++i)
+        runQuietly({"terms", "add", "Old" + std::to_string(i)});
+    std::vector<std::vector<std::string>> commands;
+    for (int i = 0; i < 10; ++i) {
+        commands.push_back({"terms", "add", "New" + std::to_string(i)});
+        commands.push_back({"terms", "remove", "old" + std::to_string(i)});
+    }
+    // Meanwhile another program sets its own keys in the same file, as the tray does for its settings.
+    std::atomic<bool> otherWriterFailed = false;
+    std::thread otherWriter([&] {
+        JsonFilePreferenceStore settings(glyphmill.preferenceFile());
+        for (int i = 0; i < 40; ++i)
+            if (!settings.setValue("setting" + std::to_string(i), i % 2 == 0))
+                otherWriterFailed = true;
+    });
+    for (const ProcessResult &result : runTogether(glyphmill, commands))
+        EXPECT_EQ(result.exitStatus, 0) << result.standardError;
+    otherWriter.join();
+    EXPECT_FALSE(otherWriterFailed);
+
+    std::string expected = builtInListing;
+    std::vector<std::string> added;
+    for (const auto &term : lines(listing()))
+        if (expected.find(term + "\n") == std::string::npos)
+            added.push_back(term);
+    std::sort(added.begin(), added.end());
+    EXPECT_EQ(added, (std::vector<std::string>{"New0", "New1", "New2", "New3", "New4", "New5", "New6", "New7",
+                                               "New8", "New9"}));
+    JsonFilePreferenceStore result(glyphmill.preferenceFile());
+    for (int i = 0; i < 40; ++i)
+        EXPECT_EQ(result.boolValue("setting" + std::to_string(i)), i % 2 == 0) << i;
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "platform/InMemoryPreferenceStore.h"
 
 #include <QDateTime>
+#include <QSignalSpy>
 #include <gtest/gtest.h>
 
 namespace glyphmill {
@@ -96,6 +97,23 @@ TEST_F(CaptureHistoryTest, LoadsTheFirstTenAndTreatsAnyUnreadableValueAsEmpty) {
         EXPECT_EQ(stored(), value);
         EXPECT_EQ(userDefaults.writeCount(), writes);
     }
+}
+
+TEST_F(CaptureHistoryTest, AddsToTheStoredListAndFollowsChangesMadeElsewhere) {
+    CaptureHistory history = makeHistory();
+    QSignalSpy changes(&history, &CaptureHistory::itemsChanged);
+    // Written by another program after this history was loaded: a new capture keeps it.
+    store("[" + itemJson(1) + "]");
+    history.add(u"new");
+    ASSERT_EQ(history.items().size(), 2u);
+    EXPECT_EQ(history.items()[0].text, u"new");
+    EXPECT_EQ(history.items()[1].text, u"t01");
+    EXPECT_EQ(makeHistory().items(), history.items());
+
+    userDefaults.storeFromElsewhere(CaptureHistory::preferenceKey, std::nullopt);
+    EXPECT_TRUE(history.items().empty());
+    userDefaults.storeFromElsewhere("unrelated", true);
+    EXPECT_EQ(changes.count(), 2) << "an announcement that changes nothing stays quiet";
 }
 
 TEST(CaptureHistoryMenuTitle, OneLineCutToTheLimitInCharacters) {

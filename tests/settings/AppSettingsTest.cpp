@@ -160,5 +160,42 @@ TEST_F(AppSettingsTest, RestoringDefaultsWritesAllFourAndReregistersOnce) {
         EXPECT_EQ(decodeChordData(*store.dataValue(preferenceKey(id))), defaultChord(id));
 }
 
+TEST_F(AppSettingsTest, ChangesWrittenByAnotherProgramNotifyAsIfMadeHereAndWriteNothing) {
+    auto settings = load();
+    QSignalSpy urls(settings.get(), &AppSettings::preserveURLsChanged);
+    QSignalSpy emails(settings.get(), &AppSettings::preserveEmailsChanged);
+    QSignalSpy clearing(settings.get(), &AppSettings::automaticClearingRequested);
+    QSignalSpy titleCaseChord(settings.get(), &AppSettings::titleCaseShortcutChanged);
+    QSignalSpy paletteChord(settings.get(), &AppSettings::paletteShortcutChanged);
+    const int writes = store.writeCount();
+
+    const KeyboardShortcutChord chord{defaultChord(KeyboardShortcutID::titleCase).keyCode,
+                                      defaultChord(KeyboardShortcutID::palette).carbonModifiers};
+    store.storeFromElsewhere(settingsKeys::preserveURLs, false);
+    store.storeFromElsewhere(settingsKeys::launchAtLogin, true);
+    store.storeFromElsewhere(settingsKeys::automaticallyClearFormatting, true);
+    store.storeFromElsewhere(preferenceKey(KeyboardShortcutID::titleCase), encodeChordData(chord));
+
+    EXPECT_FALSE(settings->preserveURLs());
+    EXPECT_EQ(urls.count(), 1);
+    EXPECT_EQ(urls.at(0).at(0).toBool(), false);
+    EXPECT_EQ(emails.count(), 0) << "unchanged values stay quiet";
+    EXPECT_TRUE(settings->launchAtLogin());
+    EXPECT_EQ(loginItem.registerCalls, 1);
+    EXPECT_EQ(settings->shortcut(KeyboardShortcutID::titleCase), chord);
+    EXPECT_EQ(titleCaseChord.count(), 1);
+    EXPECT_EQ(paletteChord.count(), 0);
+    EXPECT_EQ(hotKeyRegistrations, 1);
+    EXPECT_EQ(store.writeCount(), writes);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(clearing.count(), 1);
+    EXPECT_EQ(menuRebuilds, 1);
+
+    // Removed elsewhere: back to the defaults, announced once more.
+    store.storeFromElsewhere(settingsKeys::preserveURLs, std::nullopt);
+    EXPECT_TRUE(settings->preserveURLs());
+    EXPECT_EQ(urls.count(), 2);
+}
+
 } // namespace
 } // namespace glyphmill

@@ -138,5 +138,42 @@ TEST(ProtectedTermsStoreTest, ObserversMayRemoveObserversWhileBeingCalled) {
     EXPECT_EQ(calls, (std::vector<std::string>{"first", "third", "third"}));
 }
 
+TEST(ProtectedTermsStoreTest, ChangesStartFromTheStoredListAndFollowChangesMadeElsewhere) {
+    InMemoryPreferenceStore userDefaults;
+    ProtectedTermsStore store(userDefaults);
+    Notifications notifications(store);
+
+    // Another program added a term this store has not heard of yet: adding keeps it.
+    userDefaults.setValue(key, Terms{u"Kubernetes"});
+    store.addTerm(u"Grafana");
+    EXPECT_EQ(store.terms(), (Terms{u"Kubernetes", u"Grafana"}));
+    EXPECT_EQ(userDefaults.stringArrayValue(key), store.terms());
+    userDefaults.setValue(key, Terms{u"Kubernetes", u"Grafana", u"Helm"});
+    store.removeTerm(u"grafana");
+    EXPECT_EQ(store.terms(), (Terms{u"Kubernetes", u"Helm"}));
+    // A duplicate of a stored term writes nothing, but the list still catches up.
+    userDefaults.setValue(key, Terms{u"Helm", u"Istio"});
+    const int writes = userDefaults.writeCount();
+    store.addTerm(u"ISTIO");
+    EXPECT_EQ(userDefaults.writeCount(), writes);
+    EXPECT_EQ(store.terms(), (Terms{u"Helm", u"Istio"}));
+    ASSERT_EQ(notifications.received.size(), 3u);
+
+    // Announced changes are followed; an announcement that changes nothing is not passed on.
+    userDefaults.storeFromElsewhere(key, Terms{u"Only"});
+    EXPECT_EQ(store.terms(), Terms{u"Only"});
+    userDefaults.storeFromElsewhere("someOtherKey", true);
+    userDefaults.storeFromElsewhere(key, std::nullopt);
+    EXPECT_EQ(store.terms(), ProtectedTermsStore::defaultTerms());
+    EXPECT_EQ(notifications.received.size(), 5u);
+}
+
+TEST(ProtectedTermsStoreTest, AShortLivedStoreStopsListeningWhenItEnds) {
+    InMemoryPreferenceStore userDefaults;
+    { ProtectedTermsStore shortLived(userDefaults); }
+    userDefaults.storeFromElsewhere(key, Terms{u"After"}); // would reach a dead store otherwise
+    EXPECT_EQ(ProtectedTermsStore(userDefaults).terms(), Terms{u"After"});
+}
+
 } // namespace
 } // namespace glyphmill
