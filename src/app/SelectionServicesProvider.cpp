@@ -16,9 +16,8 @@ bool SelectionServicesProvider::transform(TextTransformKind kind, Pasteboard &pa
     // The text as read, untrimmed: white space around the selection survives.
     std::u16string result =
         TextTransformer{termsStore_.terms(), settings_.textProtectionOptions()}.apply(kind, *text);
-    pasteboard.clearContents();
-    pasteboard.setString(result, pasteboardType::plainText);
-    return true;
+    const bool cleared = pasteboard.clearContents();
+    return pasteboard.setString(result, pasteboardType::plainText) && cleared;
 }
 
 } // namespace glyphmill

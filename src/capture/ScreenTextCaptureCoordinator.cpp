@@ -215,8 +215,11 @@ void ScreenTextCaptureCoordinator::deliverText(std::u16string text, QPointF anch
         const TextTransformer transformer{terms.terms(), services_.settings->textProtectionOptions()};
         text = transformer.apply(TextTransformKind::smartCase, text);
     }
-    services_.clipboardHistory->saveCurrentText();
-    services_.clipboard->writePlainText(text);
+    // The previous clipboard stays restorable only when the write took; the text is kept in the
+    // capture history either way.
+    std::optional<std::u16string> previous = services_.clipboardHistory->currentText();
+    if (services_.clipboard->writePlainText(text))
+        services_.clipboardHistory->save(std::move(previous));
     services_.captureHistory->add(text);
     services_.monitor->refresh();
     services_.showHUD(QStringLiteral("Text copied"), anchor);

@@ -16,16 +16,26 @@ ClipboardHistory &ClipboardHistory::shared() {
 }
 
 void ClipboardHistory::saveCurrentText() {
-    if (auto text = pasteboard_.string(pasteboardType::plainText))
+    save(currentText());
+}
+
+std::optional<std::u16string> ClipboardHistory::currentText() const {
+    return pasteboard_.string(pasteboardType::plainText);
+}
+
+void ClipboardHistory::save(std::optional<std::u16string> text) {
+    if (text)
         setSavedText(std::move(text));
 }
 
-void ClipboardHistory::restore() {
+bool ClipboardHistory::restore() {
     if (!savedText_)
-        return;
-    pasteboardText::writePlainText(pasteboard_, *savedText_);
-    setSavedText(std::nullopt);
+        return false;
+    const bool written = pasteboardText::writePlainText(pasteboard_, *savedText_);
+    if (written)
+        setSavedText(std::nullopt);
     monitor_.refresh();
+    return written;
 }
 
 void ClipboardHistory::setSavedText(std::optional<std::u16string> text) {

@@ -29,8 +29,13 @@ public:
     // Remembers the clipboard's plain string; without one (an image, say) the earlier saved
     // text stays.
     void saveCurrentText();
-    // Writes the saved text back unchanged and forgets it; there is no redo.
-    void restore();
+    // The two halves of saveCurrentText, for a command that keeps the text only once its own
+    // write has succeeded: what the clipboard holds now, and keeping it (none changes nothing).
+    std::optional<std::u16string> currentText() const;
+    void save(std::optional<std::u16string> text);
+    // Writes the saved text back unchanged and forgets it; there is no redo. False when nothing
+    // was saved or the write failed; a text that could not be written stays saved.
+    bool restore();
 
 signals:
     void canRestoreChanged(bool canRestore);

@@ -9,6 +9,13 @@
 #include "transform/ProtectedTermsStore.h"
 
 namespace glyphmill {
+namespace {
+
+ClipboardManager::Outcome outcomeOf(bool written) {
+    return written ? ClipboardManager::Outcome::changed : ClipboardManager::Outcome::notWritten;
+}
+
+} // namespace
 
 ClipboardManager::ClipboardManager(Pasteboard &pasteboard, Dialogs &dialogs, KeystrokeSender &keystrokes,
                                    PreferenceStore &userDefaults, AppSettings &settings,
@@ -42,41 +49,44 @@ std::u16string ClipboardManager::normalizeLineBreaks(std::u16string_view text) {
     return textClasses::normalizeLineBreaks(text);
 }
 
-void ClipboardManager::writePlainText(std::u16string_view text) {
-    pasteboardText::writePlainText(pasteboard_, text);
+bool ClipboardManager::writePlainText(std::u16string_view text) {
+    return pasteboardText::writePlainText(pasteboard_, text);
 }
 
 bool ClipboardManager::clearFormattingIfRich() {
     return pasteboardText::clearFormattingIfRich(pasteboard_);
 }
 
-void ClipboardManager::clearClipboardFormatting() {
+ClipboardManager::Outcome ClipboardManager::clearClipboardFormatting() {
     auto text = readText(false);
     if (!text) {
         monitor_.refresh();
         showClipboardAlert(missingTextMessage);
-        return;
+        return Outcome::noText;
     }
-    replaceClipboardText([&] { return normalizeLineBreaks(*text); });
+    return outcomeOf(replaceClipboardText([&] { return normalizeLineBreaks(*text); }));
 }
 
-void ClipboardManager::pasteAsPlainText(bool reportMissingText) {
+ClipboardManager::Outcome ClipboardManager::pasteAsPlainText(bool reportMissingText) {
     auto text = readText(false);
     if (!text || textClasses::isBlank(*text)) {
         if (reportMissingText) {
             monitor_.refresh();
             showClipboardAlert(missingTextMessage);
         }
-        return;
+        return Outcome::noText;
     }
-    replaceClipboardText([&] { return normalizeLineBreaks(*text); });
+    if (!replaceClipboardText([&] { return normalizeLineBreaks(*text); }, reportMissingText))
+        return Outcome::notWritten;
     postPasteKeystroke();
     if (reportMissingText)
         monitor_.refresh();
+    return Outcome::changed;
 }
 
-void ClipboardManager::transformClipboard(TextTransformKind kind, const ProtectedTermsStore *termsStore,
-                                          bool reportMissingText) {
+ClipboardManager::Outcome ClipboardManager::transformClipboard(TextTransformKind kind,
+                                                               const ProtectedTermsStore *termsStore,
+                                                               bool reportMissingText) {
     std::vector<std::u16string> terms =
         termsStore ? termsStore->terms() : ProtectedTermsStore(userDefaults_).terms();
     const TextProtectionOptions options = settings_.textProtectionOptions();
@@ -85,26 +95,39 @@ void ClipboardManager::transformClipboard(TextTransformKind kind, const Protecte
         monitor_.refresh();
         if (reportMissingText)
             showClipboardAlert(missingTextMessage);
-        return;
+        return Outcome::noText;
     }
     // The untrimmed text, line breaks as they are.
-    replaceClipboardText([&] { return TextTransformer{std::move(terms), options}.apply(kind, *text); });
+    return outcomeOf(replaceClipboardText(
+        [&] {
+            return TextTransformer{std::move(terms), options}.apply(kind, *text);
+        },
+        reportMissingText));
 }
 
-void ClipboardManager::applyTextOperation(const TextOperation &operation) {
+ClipboardManager::Outcome ClipboardManager::applyTextOperation(const TextOperation &operation) {
     auto text = readText(true);
     if (!text) {
         monitor_.refresh();
         showClipboardAlert(missingTextMessage);
-        return;
+        return Outcome::noText;
     }
-    replaceClipboardText([&] { return operation(*text); });
+    return outcomeOf(replaceClipboardText([&] { return operation(*text); }));
 }
 
-void ClipboardManager::replaceClipboardText(const std::function<std::u16string()> &result) {
-    history_.saveCurrentText();
-    writePlainText(result());
+bool ClipboardManager::replaceClipboardText(const std::function<std::u16string()> &result,
+                                            bool reportFailure) {
+    // Taken before the write, kept only after it: a refused write leaves the earlier previous
+    // clipboard restorable.
+    std::optional<std::u16string> previous = history_.currentText();
+    const bool written = writePlainText(result());
+    if (written)
+        history_.save(std::move(previous));
     monitor_.refresh();
+    emit clipboardReplaced(written);
+    if (!written && reportFailure)
+        showClipboardAlert(writeFailedMessage);
+    return written;
 }
 
 void ClipboardManager::showClipboardAlert(std::u16string_view message) {

@@ -1,7 +1,8 @@
 // The clipboard commands every door of the application runs: transform the clipboard, Clear
 // Formatting, Paste as Plain Text and the read-change-write sequence of the line tools. Every
-// command that changes the clipboard first saves its previous plain text for restore and then
-// refreshes the monitor. Holds no state; the clipboard is read afresh by every call.
+// command that changes the clipboard keeps its previous plain text for restore and then
+// refreshes the monitor; a write the window system refused keeps nothing and says so. Holds no
+// state; the clipboard is read afresh by every call.
 #pragma once
 
 #include "platform/Dialogs.h"
@@ -30,8 +31,13 @@ class ClipboardManager final : public QObject {
 public:
     using TextOperation = std::function<std::u16string(std::u16string_view text)>;
 
+    // What a command did: changed the clipboard, found no (usable) text and left it alone, or
+    // could not write its result.
+    enum class Outcome { changed, noText, notWritten };
+
     static constexpr std::u16string_view alertTitle = u"Glyphmill";
     static constexpr std::u16string_view missingTextMessage = u"Clipboard does not contain text.";
+    static constexpr std::u16string_view writeFailedMessage = u"Glyphmill could not write to the clipboard.";
 
     // The preference store is where a short-lived terms store reads the protected terms when a
     // caller has no store at hand.
@@ -46,24 +52,33 @@ public:
     std::optional<std::u16string> readHTMLAsText() const;
     bool hasRichFormatting() const;
     static std::u16string normalizeLineBreaks(std::u16string_view text);
-    void writePlainText(std::u16string_view text);
+    // False when the clipboard did not end up holding the text.
+    [[nodiscard]] bool writePlainText(std::u16string_view text);
     // Automatic clearing: saves nothing and refreshes nothing. True when it rewrote the clipboard.
     bool clearFormattingIfRich();
 
+    // The commands alert about missing text and a failed write where the table of callers says
+    // so (reportMissingText), and answer what they did.
     // "Clear Formatting": rewrites any text, blank included, as one plain string with LF breaks.
-    void clearClipboardFormatting();
-    void pasteAsPlainText(bool reportMissingText);
+    Outcome clearClipboardFormatting();
+    // The paste keystroke follows only a successful write.
+    Outcome pasteAsPlainText(bool reportMissingText);
     // Without a terms store the terms are read from the preference store for this call only.
-    void transformClipboard(TextTransformKind kind, const ProtectedTermsStore *termsStore,
-                            bool reportMissingText);
+    Outcome transformClipboard(TextTransformKind kind, const ProtectedTermsStore *termsStore,
+                               bool reportMissingText);
     // Reads non-blank text, then replaces the clipboard with the operation's result, even an
     // empty or unchanged one.
-    void applyTextOperation(const TextOperation &operation);
-    // The common end of the commands: save the previous text, write the result, refresh.
-    void replaceClipboardText(const std::function<std::u16string()> &result);
+    Outcome applyTextOperation(const TextOperation &operation);
+    // The common end of the commands: write the result, keep the previous text for restore once
+    // the write succeeded, refresh; a failed write keeps nothing and alerts when asked to.
+    bool replaceClipboardText(const std::function<std::u16string()> &result, bool reportFailure = true);
 
     void showClipboardAlert(std::u16string_view message);
     void postPasteKeystroke();
+
+signals:
+    // After every replaceClipboardText, whichever command ran it.
+    void clipboardReplaced(bool written);
 
 private:
     Pasteboard &pasteboard_;

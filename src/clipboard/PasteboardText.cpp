@@ -70,9 +70,10 @@ bool hasRichFormatting(const Pasteboard &pasteboard) {
     return false;
 }
 
-void writePlainText(Pasteboard &pasteboard, std::u16string_view text) {
-    pasteboard.clearContents();
-    pasteboard.setString(text, pasteboardType::plainText);
+bool writePlainText(Pasteboard &pasteboard, std::u16string_view text) {
+    const bool cleared = pasteboard.clearContents();
+    const bool written = pasteboard.setString(text, pasteboardType::plainText);
+    return cleared && written;
 }
 
 bool clearFormattingIfRich(Pasteboard &pasteboard) {
@@ -81,8 +82,7 @@ bool clearFormattingIfRich(Pasteboard &pasteboard) {
     auto text = readText(pasteboard, false);
     if (!text || textClasses::isBlank(*text))
         return false;
-    writePlainText(pasteboard, textClasses::normalizeLineBreaks(*text));
-    return true;
+    return writePlainText(pasteboard, textClasses::normalizeLineBreaks(*text));
 }
 
 } // namespace glyphmill::pasteboardText

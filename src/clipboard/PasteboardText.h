@@ -21,11 +21,12 @@ std::optional<std::u16string> readHTMLAsText(const Pasteboard &pasteboard);
 // One of the rich types is on the clipboard.
 bool hasRichFormatting(const Pasteboard &pasteboard);
 
-// Clears the clipboard, then puts the text there as its only representation.
-void writePlainText(Pasteboard &pasteboard, std::u16string_view text);
+// Clears the clipboard, then puts the text there as its only representation. False when the
+// clipboard did not end up holding it (the window system gave it to someone else).
+[[nodiscard]] bool writePlainText(Pasteboard &pasteboard, std::u16string_view text);
 
 // Rewrites a rich clipboard whose text is not blank as its plain text with LF line breaks.
-// True when it rewrote the clipboard.
+// True when it rewrote the clipboard; false when there was nothing to do or the write failed.
 bool clearFormattingIfRich(Pasteboard &pasteboard);
 
 } // namespace glyphmill::pasteboardText

@@ -27,16 +27,22 @@ std::optional<std::u16string> InMemoryPasteboard::string(std::string_view type) 
     return utf8::decodeLossy(std::string_view(reinterpret_cast<const char *>(bytes->data()), bytes->size()));
 }
 
-void InMemoryPasteboard::clearContents() {
+bool InMemoryPasteboard::clearContents() {
+    ++writeCount_;
+    if (refusesWrites_)
+        return false;
     representations_.clear();
     ++changeCount_;
-    ++writeCount_;
+    return true;
 }
 
-void InMemoryPasteboard::setString(std::u16string_view text, std::string_view type) {
-    std::string encoded = utf8::encode(text);
+bool InMemoryPasteboard::setString(std::u16string_view text, std::string_view type) {
     ++writeCount_;
+    if (refusesWrites_)
+        return false;
+    std::string encoded = utf8::encode(text);
     setData(PasteboardData(encoded.begin(), encoded.end()), type);
+    return true;
 }
 
 void InMemoryPasteboard::setData(PasteboardData bytes, std::string_view type) {

@@ -13,8 +13,8 @@ public:
     std::vector<std::string> types() const override;
     std::optional<std::u16string> string(std::string_view type) const override;
     std::optional<PasteboardData> data(std::string_view type) const override;
-    void clearContents() override;
-    void setString(std::u16string_view text, std::string_view type) override;
+    bool clearContents() override;
+    bool setString(std::u16string_view text, std::string_view type) override;
     std::int64_t changeCount() const override { return changeCount_; }
 
     // What another application does when the user copies: replace everything at once.
@@ -25,12 +25,16 @@ public:
 
     // Calls of clearContents and setString, for tests that check nothing was written.
     int writeCount() const { return writeCount_; }
+    // While refusing, clearContents and setString change nothing and answer false, as when the
+    // window system gives the clipboard to someone else.
+    void setRefusesWrites(bool refuses) { refusesWrites_ = refuses; }
 
 private:
     // Kept in the order they were put there, as a real clipboard lists them.
     std::vector<std::pair<std::string, PasteboardData>> representations_;
     std::int64_t changeCount_ = 0;
     int writeCount_ = 0;
+    bool refusesWrites_ = false;
 };
 
 } // namespace glyphmill

@@ -45,9 +45,11 @@ public:
     // The text held for a type, decoded from UTF-8; none when the type is absent.
     virtual std::optional<std::u16string> string(std::string_view type) const = 0;
     virtual std::optional<PasteboardData> data(std::string_view type) const = 0;
-    // Both raise the change count.
-    virtual void clearContents() = 0;
-    virtual void setString(std::u16string_view text, std::string_view type) = 0;
+    // Both raise the change count, and answer whether the clipboard now holds what was asked for
+    // and is ours: nothing after clearContents, the text after setString. A window system may
+    // refuse us the clipboard; the change then did not happen.
+    [[nodiscard]] virtual bool clearContents() = 0;
+    [[nodiscard]] virtual bool setString(std::u16string_view text, std::string_view type) = 0;
     // Grows on every change of the clipboard, whoever made it.
     virtual std::int64_t changeCount() const = 0;
 };

@@ -232,7 +232,9 @@ QString WelcomeSamplePage::result() const {
 }
 
 void WelcomeSamplePage::copyResult() {
-    pasteboardText::writePlainText(context_.pasteboard, transformedSample().toStdU16String());
+    // "Copied" only when the clipboard took the text.
+    if (!pasteboardText::writePlainText(context_.pasteboard, transformedSample().toStdU16String()))
+        return;
     setDidCopy(true);
     const int token = ++copyToken_;
     // Only the latest copy may turn "Copied" back; earlier pending resets find a newer token.

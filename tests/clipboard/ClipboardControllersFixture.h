@@ -28,8 +28,10 @@ public:
     std::optional<PasteboardData> data(std::string_view type) const override {
         return ++contentReads, inner_.data(type);
     }
-    void clearContents() override { inner_.clearContents(); }
-    void setString(std::u16string_view text, std::string_view type) override { inner_.setString(text, type); }
+    bool clearContents() override { return inner_.clearContents(); }
+    bool setString(std::u16string_view text, std::string_view type) override {
+        return inner_.setString(text, type);
+    }
     std::int64_t changeCount() const override { return inner_.changeCount(); }
     mutable int contentReads = 0;
 

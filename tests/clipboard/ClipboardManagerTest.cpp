@@ -86,6 +86,39 @@ TEST_F(ClipboardCommandTest, ClearFormattingAndTextOperationsRewriteWhateverThey
     EXPECT_FALSE(monitor.hasUsableText());
 }
 
+// The window system may give the clipboard to someone else instead of us: every command says
+// so (with the alert where it reports missing text), pastes nothing, and leaves the text from
+// before the last successful command restorable.
+TEST_F(ClipboardCommandTest, RefusedWritesAreReportedAndKeepTheEarlierClipboardRestorable) {
+    using Outcome = ClipboardManager::Outcome;
+    const std::u16string writeFailed = u"Glyphmill could not write to the clipboard.";
+    copy(u"first");
+    EXPECT_EQ(manager.transformClipboard(TextTransformKind::uppercase, nullptr, true), Outcome::changed);
+
+    clipboard.setRefusesWrites(true);
+    EXPECT_EQ(manager.transformClipboard(TextTransformKind::titleCase, nullptr, false), Outcome::notWritten);
+    EXPECT_EQ(manager.pasteAsPlainText(false), Outcome::notWritten);
+    EXPECT_TRUE(alerts().empty()); // the hot keys stay silent
+    EXPECT_EQ(manager.transformClipboard(TextTransformKind::lowercase, nullptr, true), Outcome::notWritten);
+    EXPECT_EQ(manager.pasteAsPlainText(true), Outcome::notWritten);
+    EXPECT_EQ(manager.clearClipboardFormatting(), Outcome::notWritten);
+    EXPECT_EQ(manager.applyTextOperation([](std::u16string_view) { return u"x"; }), Outcome::notWritten);
+    EXPECT_EQ(alerts(), std::vector<std::u16string>(4, writeFailed));
+    EXPECT_EQ(keystrokes.pasteKeystrokes, 0);
+    EXPECT_EQ(plainText(), u"FIRST");
+    EXPECT_EQ(history.savedText(), u"first");
+
+    copyWithHtml(u"rich");
+    EXPECT_FALSE(manager.clearFormattingIfRich());
+    EXPECT_FALSE(history.restore());
+    EXPECT_TRUE(history.canRestore());
+
+    clipboard.setRefusesWrites(false);
+    EXPECT_TRUE(history.restore());
+    EXPECT_EQ(plainText(), u"first");
+    EXPECT_FALSE(history.canRestore());
+}
+
 // Records what the clipboard held, and how often the monitor had refreshed, at the keystroke.
 struct SnapshotKeystrokes final : KeystrokeSender {
     SnapshotKeystrokes(const Pasteboard &watched, const int &refreshCount)

@@ -137,8 +137,9 @@ void MenuBarController::rebuildMenu() {
     menu.addSeparator();
 
     ClipboardHistory &history = controllers_.history;
-    addRow(menu, QStringLiteral("Restore Previous Clipboard"), [&history] {
-        history.restore();
+    addRow(menu, QStringLiteral("Restore Previous Clipboard"), [this, &history] {
+        if (history.canRestore() && !history.restore())
+            controllers_.manager.showClipboardAlert(ClipboardManager::writeFailedMessage);
     })->setEnabled(history.canRestore());
     addCaptureHistoryMenu();
     menu.addSeparator();
@@ -279,9 +280,7 @@ void MenuBarController::restoreCaptureFromHistory(const QString &identifier) {
     const auto text = controllers_.captureHistory.textForID(id);
     if (!text)
         return;
-    controllers_.history.saveCurrentText();
-    controllers_.manager.writePlainText(*text);
-    controllers_.monitor.refresh();
+    controllers_.manager.replaceClipboardText([&] { return *text; });
 }
 
 void MenuBarController::openFloatingPalette() {

@@ -14,9 +14,12 @@
 #include <QTemporaryFile>
 #include <QTimer>
 #include <gtest/gtest.h>
+#include <xcb/xcb.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
+#include <memory>
 
 namespace glyphmill {
 namespace {
@@ -66,14 +69,54 @@ private:
     QProcess xclip_;
 };
 
+// The CLIPBOARD selection's owner as the X server sees it, through a connection of the test's
+// own, so that asking does not run Qt's event loop.
+class SelectionOwnerProbe {
+public:
+    SelectionOwnerProbe() : connection_(xcb_connect(nullptr, nullptr), &xcb_disconnect) {
+        const char name[] = "CLIPBOARD";
+        std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
+            xcb_intern_atom_reply(connection_.get(),
+                                  xcb_intern_atom(connection_.get(), 0, sizeof name - 1, name), nullptr),
+            &std::free);
+        clipboard_ = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    }
+    xcb_window_t owner() const {
+        std::unique_ptr<xcb_get_selection_owner_reply_t, decltype(&std::free)> reply(
+            xcb_get_selection_owner_reply(connection_.get(),
+                                          xcb_get_selection_owner(connection_.get(), clipboard_), nullptr),
+            &std::free);
+        return reply ? reply->owner : xcb_window_t{XCB_NONE};
+    }
+    // Asks the server until another window than `previous` owns the clipboard. Each question is
+    // a round trip, so this waits on the server rather than spinning freely.
+    bool waitForOwnerOtherThan(xcb_window_t previous) const {
+        QDeadlineTimer deadline(waitDeadline);
+        while (!deadline.hasExpired()) {
+            const xcb_window_t now = owner();
+            if (now != previous && now != XCB_NONE)
+                return true;
+        }
+        return false;
+    }
+
+private:
+    std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection_;
+    xcb_atom_t clipboard_ = XCB_ATOM_NONE;
+};
+
 class X11Clipboard : public ::testing::Test {
 protected:
-    // We notice that another program copied through the change count alone.
+    // Waits until what the other program copied is what we read, with a newer change count. A
+    // change alone is not enough: the one seen may be an earlier program's leaving.
     std::unique_ptr<OtherProgramCopy> copyInOtherProgram(const QString &type, const QByteArray &bytes) {
         const std::int64_t before = pasteboard.changeCount();
         auto copy = std::make_unique<OtherProgramCopy>(type, bytes);
-        EXPECT_TRUE(spinUntil([&] { return pasteboard.changeCount() > before; }))
-            << "no change after xclip copied";
+        const std::string offered = type.isEmpty() ? "text/plain" : type.toStdString();
+        const PasteboardData expected(bytes.begin(), bytes.end());
+        EXPECT_TRUE(spinUntil([&] {
+            return pasteboard.changeCount() > before && pasteboard.data(offered) == expected;
+        })) << "we never read what xclip copied";
         return copy;
     }
 
@@ -178,11 +221,28 @@ TEST_F(X11Clipboard, AnImageIsNeitherTextNorFormatting) {
 }
 
 TEST_F(X11Clipboard, WrittenTextIsWhatOtherProgramsPasteUntilTheyCopy) {
-    pasteboardText::writePlainText(pasteboard, u"Zeile 1\nZeile 2 \u2014 \u2713");
+    ASSERT_TRUE(pasteboardText::writePlainText(pasteboard, u"Zeile 1\nZeile 2 \u2014 \u2713"));
     expectOtherProgramsPaste("Zeile 1\nZeile 2 \xe2\x80\x94 \xe2\x9c\x93");
 
     auto copy = copyInOtherProgram({}, "from elsewhere");
     EXPECT_EQ(pasteboardText::readText(pasteboard, false), u"from elsewhere");
+}
+
+// A second program copies while our event loop is not running, so the last server time we know
+// (from the first program's copy) predates its claim of the clipboard, and the server silently
+// ignores a claim made with it. The write must notice, claim again with a fresh time, and only
+// then answer that it wrote.
+TEST_F(X11Clipboard, AWriteMadeWithAnOutdatedServerTimeIsRetriedAndConfirmed) {
+    SelectionOwnerProbe probe;
+    auto first = copyInOtherProgram({}, "first");
+    const xcb_window_t firstOwner = probe.owner();
+    OtherProgramCopy second("text/html", "<p>second</p>");
+    ASSERT_TRUE(probe.waitForOwnerOtherThan(firstOwner)) << "the second xclip never took the clipboard";
+
+    EXPECT_TRUE(pasteboardText::writePlainText(pasteboard, u"ours \u2713"));
+    EXPECT_EQ(pasteboard.types(), Types{"text/plain"});
+    expectOtherProgramsPaste("ours \xe2\x9c\x93");
+    EXPECT_TRUE(spinUntil([&] { return !second.stillServing(); })) << "xclip kept the clipboard";
 }
 
 TEST_F(X11Clipboard, PasteKeystrokeMakesTheFocusedFieldPaste) {
@@ -192,7 +252,7 @@ TEST_F(X11Clipboard, PasteKeystrokeMakesTheFocusedFieldPaste) {
     ASSERT_TRUE(spinUntil([&] { return field.isActiveWindow() && field.hasFocus(); }))
         << "the field never got focus";
 
-    pasteboardText::writePlainText(pasteboard, u"pasted through XTest \u2713");
+    ASSERT_TRUE(pasteboardText::writePlainText(pasteboard, u"pasted through XTest \u2713"));
     XTestKeystrokeSender().postPasteKeystroke();
     EXPECT_TRUE(spinUntil([&] { return field.text() == u"pasted through XTest \u2713"; }))
         << "the field holds \"" << field.text().toStdString() << '"';
