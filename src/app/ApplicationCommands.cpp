@@ -10,10 +10,25 @@ namespace {
 using appCommands::ClipboardAction;
 using appCommands::Command;
 
-std::optional<std::string> runPiece(const std::function<bool()> &piece, std::string_view what) {
+constexpr std::string_view noTextMessage = "the clipboard holds no text";
+
+RequestOutcome runPiece(const std::function<bool()> &piece, std::string_view what) {
     if (piece && piece())
-        return std::nullopt;
-    return std::string(what) + " is not available in this version of Glyphmill";
+        return RequestOutcome::done();
+    return {RequestOutcome::Status::notAvailable,
+            std::string(what) + " is not available in this version of Glyphmill"};
+}
+
+RequestOutcome outcomeOf(ClipboardManager::Outcome outcome) {
+    switch (outcome) {
+    case ClipboardManager::Outcome::changed:
+        return RequestOutcome::done();
+    case ClipboardManager::Outcome::noText:
+        return RequestOutcome::nothingToDo(std::string(noTextMessage));
+    case ClipboardManager::Outcome::notWritten:
+        break;
+    }
+    return RequestOutcome::notWritten();
 }
 
 std::optional<TextTransformKind> transformKindOf(ClipboardAction action) {
@@ -41,12 +56,12 @@ ApplicationCommands::ApplicationCommands(ClipboardManager &manager, LineToolComm
     : manager_(manager), lineTools_(lineTools), history_(history), termsStore_(termsStore),
       handlers_(std::move(handlers)) {}
 
-std::optional<std::string> ApplicationCommands::run(const appCommands::Request &request) {
+RequestOutcome ApplicationCommands::run(const appCommands::Request &request) {
     switch (request.command) {
     case Command::launch:
         if (handlers_.wake)
             handlers_.wake();
-        return std::nullopt;
+        return RequestOutcome::done();
     case Command::palette:
         return runPiece(handlers_.showPalette, "the floating palette");
     case Command::settings:
@@ -54,35 +69,37 @@ std::optional<std::string> ApplicationCommands::run(const appCommands::Request &
     case Command::capture:
         return runPiece(handlers_.startCapture, "screen capture");
     case Command::clipboard:
-        runClipboardAction(request.clipboardAction);
-        return std::nullopt;
+        return runClipboardAction(request.clipboardAction);
     case Command::pastePlain:
         // Silent like the hot key: the user is in another application, not looking at ours.
-        manager_.pasteAsPlainText(false);
-        return std::nullopt;
+        return outcomeOf(manager_.pasteAsPlainText(false));
     case Command::restore:
-        if (history_.canRestore())
-            history_.restore();
-        return std::nullopt;
+        if (!history_.canRestore())
+            return RequestOutcome::nothingToDo("nothing to restore");
+        return history_.restore() ? RequestOutcome::done() : RequestOutcome::notWritten();
     case Command::quit:
         if (handlers_.quit)
             handlers_.quit();
-        return std::nullopt;
+        return RequestOutcome::done();
     case Command::service:
         break;
     }
-    return "glyphmill service is answered by the Services interface";
+    return {RequestOutcome::Status::notAvailable, "glyphmill service is answered by the Services interface"};
 }
 
-void ApplicationCommands::runClipboardAction(ClipboardAction action) {
-    if (auto kind = transformKindOf(action)) {
-        manager_.transformClipboard(*kind, &termsStore_, false);
-        return;
-    }
+RequestOutcome ApplicationCommands::runClipboardAction(ClipboardAction action) {
+    if (auto kind = transformKindOf(action))
+        return outcomeOf(manager_.transformClipboard(*kind, &termsStore_, false));
+    if (action == ClipboardAction::clearFormatting)
+        return outcomeOf(manager_.clearClipboardFormatting());
+    return runLineTool(action);
+}
+
+RequestOutcome ApplicationCommands::runLineTool(ClipboardAction action) {
+    std::optional<bool> written; // the last write of the tool, if it wrote
+    const QMetaObject::Connection watch = QObject::connect(
+        &manager_, &ClipboardManager::clipboardReplaced, [&written](bool succeeded) { written = succeeded; });
     switch (action) {
-    case ClipboardAction::clearFormatting:
-        manager_.clearClipboardFormatting();
-        break;
     case ClipboardAction::htmlToText:
         lineTools_.htmlToPlainText();
         break;
@@ -122,6 +139,15 @@ void ApplicationCommands::runClipboardAction(ClipboardAction action) {
     default:
         break;
     }
+    QObject::disconnect(watch);
+    if (written)
+        return *written ? RequestOutcome::done() : RequestOutcome::notWritten();
+    if (action == ClipboardAction::htmlToText && !manager_.readHTMLAsText())
+        return RequestOutcome::nothingToDo("the clipboard holds no HTML");
+    if (!manager_.readText(true))
+        return RequestOutcome::nothingToDo(std::string(noTextMessage));
+    // A question was cancelled or its answer refused.
+    return RequestOutcome::nothingToDo("the clipboard was left unchanged");
 }
 
 } // namespace glyphmill

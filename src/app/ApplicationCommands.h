@@ -5,7 +5,6 @@
 #include "cli/AppCommandLine.h"
 
 #include <functional>
-#include <optional>
 #include <string>
 
 namespace glyphmill {
@@ -25,17 +24,33 @@ struct ShellHandlers {
     std::function<void()> quit;
 };
 
+// What became of a request, for the one who sent it: done (for the clipboard commands: the
+// clipboard changed), nothing to do (no text, nothing to restore, a question cancelled), the
+// clipboard could not be written, or the piece is not available.
+struct RequestOutcome {
+    enum class Status { done, nothingToDo, notWritten, notAvailable };
+    Status status = Status::done;
+    std::string message; // one line, for every status but done
+
+    static RequestOutcome done() { return {}; }
+    static RequestOutcome nothingToDo(std::string why) { return {Status::nothingToDo, std::move(why)}; }
+    static RequestOutcome notWritten() { return {Status::notWritten, "the clipboard could not be written"}; }
+    bool operator==(const RequestOutcome &) const = default;
+};
+
 class ApplicationCommands {
 public:
     ApplicationCommands(ClipboardManager &manager, LineToolCommands &lineTools, ClipboardHistory &history,
                         ProtectedTermsStore &termsStore, ShellHandlers handlers);
 
-    // None when the request was carried out; otherwise why it could not be, in one line.
     // `service` requests are answered by the Services interface, not here.
-    std::optional<std::string> run(const appCommands::Request &request);
-    void runClipboardAction(appCommands::ClipboardAction action);
+    RequestOutcome run(const appCommands::Request &request);
+    RequestOutcome runClipboardAction(appCommands::ClipboardAction action);
 
 private:
+    // The line tools report through the manager's writes; without one, says why nothing changed.
+    RequestOutcome runLineTool(appCommands::ClipboardAction action);
+
     ClipboardManager &manager_;
     LineToolCommands &lineTools_;
     ClipboardHistory &history_;

@@ -25,6 +25,19 @@ appCommands::Request requestFor(appCommands::Command command) {
     return request;
 }
 
+QString errorNameFor(RequestOutcome::Status status) {
+    switch (status) {
+    case RequestOutcome::Status::nothingToDo:
+        return dbusNames::nothingToDoError;
+    case RequestOutcome::Status::notWritten:
+        return dbusNames::notWrittenError;
+    case RequestOutcome::Status::done:
+    case RequestOutcome::Status::notAvailable:
+        break;
+    }
+    return dbusNames::notAvailableError;
+}
+
 } // namespace
 
 ServicesAdaptor::ServicesAdaptor(QObject *object) : QDBusAbstractAdaptor(object) {}
@@ -101,10 +114,11 @@ void ApplicationAdaptor::quit(const QDBusMessage &message) {
 void ApplicationAdaptor::runLater(appCommands::Request request, const QDBusMessage &message) {
     message.setDelayedReply(true);
     QTimer::singleShot(0, this, [this, request, message] {
-        std::optional<std::string> failure = commands_.run(request);
-        QDBusMessage answer =
-            failure ? message.createErrorReply(dbusNames::notAvailableError, QString::fromStdString(*failure))
-                    : message.createReply();
+        const RequestOutcome outcome = commands_.run(request);
+        QDBusMessage answer = outcome.status == RequestOutcome::Status::done
+                                  ? message.createReply()
+                                  : message.createErrorReply(errorNameFor(outcome.status),
+                                                             QString::fromStdString(outcome.message));
         QDBusConnection::sessionBus().send(answer);
     });
 }

@@ -44,7 +44,9 @@ public:
 
 public slots:
     // Each request runs as a task after the call has been taken, as the menu's actions do; the
-    // answer comes once it has run, or names the piece that is not available.
+    // answer comes once it has run: an empty reply when it was done (for the clipboard commands:
+    // the clipboard changed), otherwise an error that says why not: NothingToDo,
+    // ClipboardNotWritten or NotAvailable under org.glyphmill.Error.
     void activate(const QDBusMessage &message);
     void palette(const QDBusMessage &message);
     void clipboard(const QString &kind, const QDBusMessage &message);

@@ -13,6 +13,10 @@ inline const QString servicesInterface = QStringLiteral("org.glyphmill.Services"
 inline const QString applicationInterface = QStringLiteral("org.glyphmill.Application");
 // Answered when a request names a piece this build does not have.
 inline const QString notAvailableError = QStringLiteral("org.glyphmill.Error.NotAvailable");
+// Answered when a clipboard request found nothing to do (no text, nothing to restore).
+inline const QString nothingToDoError = QStringLiteral("org.glyphmill.Error.NothingToDo");
+// Answered when the clipboard could not be written.
+inline const QString notWrittenError = QStringLiteral("org.glyphmill.Error.ClipboardNotWritten");
 
 // transformSmartCase, transformTitleCase, transformUppercase, transformLowercase,
 // transformCapitalizeWords.

@@ -5,6 +5,12 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
+#include <QDBusServiceWatcher>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <sys/types.h>
+#include <sys/wait.h>
 
 namespace glyphmill::singleInstance {
 namespace {
@@ -31,7 +37,7 @@ bool isRunning(QDBusConnection &bus) {
     return daemon && daemon->isServiceRegistered(dbusNames::serviceName).value();
 }
 
-std::optional<QString> forwardRequest(QDBusConnection &bus, const appCommands::Request &request) {
+Answer forwardRequest(QDBusConnection &bus, const appCommands::Request &request) {
     QDBusMessage call = QDBusMessage::createMethodCall(dbusNames::serviceName, dbusNames::objectPath,
                                                        dbusNames::applicationInterface,
                                                        dbusNames::applicationMethod(request.command));
@@ -41,12 +47,35 @@ std::optional<QString> forwardRequest(QDBusConnection &bus, const appCommands::R
     call.setAutoStartService(false);
     QDBusMessage answer = bus.call(call, QDBus::Block, forwardTimeoutMilliseconds);
     if (answer.type() != QDBusMessage::ErrorMessage)
-        return std::nullopt;
+        return {};
     // Quitting may end the other side before its answer leaves; gone is what was asked for.
     if (request.command == appCommands::Command::quit &&
         answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.NoReply"))
-        return std::nullopt;
-    return answer.errorMessage().isEmpty() ? answer.errorName() : answer.errorMessage();
+        return {};
+    const bool declined =
+        answer.errorName() == dbusNames::nothingToDoError || answer.errorName() == dbusNames::notWrittenError;
+    return {declined ? Answer::Kind::declined : Answer::Kind::failed,
+            answer.errorMessage().isEmpty() ? answer.errorName() : answer.errorMessage()};
+}
+
+bool waitForServiceName(QDBusConnection &bus, qint64 child, std::chrono::milliseconds deadline) {
+    QEventLoop loop;
+    QDBusServiceWatcher watcher(dbusNames::serviceName, bus, QDBusServiceWatcher::WatchForRegistration);
+    QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &loop, &QEventLoop::quit);
+    // Besides the signal, look at both states now and then: the name may have come before the
+    // watch was in place, and a child that has ended will not bring it.
+    bool childEnded = false;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        childEnded = child > 0 && ::waitpid(static_cast<pid_t>(child), nullptr, WNOHANG) == child;
+        if (childEnded || isRunning(bus))
+            loop.quit();
+    });
+    look.start(100);
+    QTimer::singleShot(deadline, &loop, &QEventLoop::quit);
+    if (!isRunning(bus))
+        loop.exec();
+    return isRunning(bus);
 }
 
 } // namespace glyphmill::singleInstance

@@ -7,7 +7,7 @@
 #include <QDBusConnection>
 #include <QString>
 
-#include <optional>
+#include <chrono>
 
 namespace glyphmill::singleInstance {
 
@@ -17,8 +17,20 @@ enum class Claim { owned, heldByAnother, failed };
 Claim claimServiceName(QDBusConnection &bus);
 bool isRunning(QDBusConnection &bus);
 
+// What the running instance answered: done; declined (it ran the request but found nothing to
+// do or could not write the clipboard); failed (not delivered, or the piece is not available).
+struct Answer {
+    enum class Kind { done, declined, failed };
+    Kind kind = Kind::done;
+    QString message; // one line, unless done
+};
+
 // Hands the request to the running instance and waits until it has been carried out (a line
-// tool's question may keep it a while). None when it was; otherwise why not, in one line.
-std::optional<QString> forwardRequest(QDBusConnection &bus, const appCommands::Request &request);
+// tool's question may keep it a while).
+Answer forwardRequest(QDBusConnection &bus, const appCommands::Request &request);
+
+// Waits until some process owns the bus name, or the process `child` (a Glyphmill just started)
+// has ended, or the deadline has passed. True when the name is owned.
+bool waitForServiceName(QDBusConnection &bus, qint64 child, std::chrono::milliseconds deadline);
 
 } // namespace glyphmill::singleInstance

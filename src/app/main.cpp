@@ -1,5 +1,7 @@
-// glyphmill-app: Glyphmill in the tray. `glyphmill` starts it with its own arguments; a second
-// start hands its request to the first over D-Bus and ends.
+// glyphmill-app: Glyphmill in the tray. `glyphmill` starts it with its own arguments. Without a
+// command it becomes the tray application, unless one runs already. A command is handed to the
+// running one over D-Bus, which is first started on its own when none runs; the command ends
+// with what the application answered.
 #include "app/ApplicationDelegate.h"
 #include "app/ServiceFilter.h"
 #include "app/SingleInstance.h"
@@ -14,11 +16,16 @@
 #include <QLibraryInfo>
 #include <QTimer>
 
+#include <fcntl.h>
+#include <sys/types.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <span>
 
@@ -62,10 +69,59 @@ int noDisplay() {
                        "glyphmill service, which need none"));
 }
 
+// Starting takes well under a second; a loaded machine or a sanitizer build is slower.
+constexpr auto startDeadline = std::chrono::seconds(20);
+
 int forward(QDBusConnection &bus, const appCommands::Request &request) {
-    if (auto failure = singleInstance::forwardRequest(bus, request))
-        return report(ExitStatus::unavailable, *failure);
-    return 0;
+    const singleInstance::Answer answer = singleInstance::forwardRequest(bus, request);
+    switch (answer.kind) {
+    case singleInstance::Answer::Kind::done:
+        return 0;
+    case singleInstance::Answer::Kind::declined:
+        return report(ExitStatus::notDone, answer.message);
+    case singleInstance::Answer::Kind::failed:
+        break;
+    }
+    return report(ExitStatus::unavailable, answer.message);
+}
+
+// Starts this program without a command, as the tray application in a session of its own and
+// away from our terminal and pipes, so that it outlives us and whoever waits for our output does
+// not wait for it. Its process id, or -1.
+pid_t startTrayApplication() {
+    const int devNull = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    if (devNull < 0)
+        return -1;
+    static char programName[] = "glyphmill-app";
+    char *const arguments[] = {programName, nullptr};
+    const pid_t child = ::fork();
+    if (child == 0) {
+        // Only calls that are safe between fork and exec.
+        ::setsid();
+        ::dup2(devNull, STDIN_FILENO);
+        ::dup2(devNull, STDOUT_FILENO);
+        ::dup2(devNull, STDERR_FILENO);
+        // Nothing else of ours or of whoever started us: a pipe held open would keep them waiting.
+        ::close_range(3, ~0U, 0);
+        ::execv("/proc/self/exe", arguments);
+        ::_exit(127);
+    }
+    ::close(devNull);
+    return child;
+}
+
+// A command with nothing running: start the application, wait for it on the bus, hand over.
+int startThenForward(QDBusConnection &bus, const appCommands::Request &request) {
+    const pid_t child = startTrayApplication();
+    if (child < 0)
+        return report(ExitStatus::unavailable, QStringLiteral("cannot start the Glyphmill application: %1")
+                                                   .arg(QString::fromLocal8Bit(std::strerror(errno))));
+    if (!singleInstance::waitForServiceName(bus, child, startDeadline))
+        return report(ExitStatus::unavailable,
+                      QStringLiteral("the Glyphmill application did not start (it did not appear on the "
+                                     "session bus within %1 seconds)")
+                          .arg(std::chrono::seconds(startDeadline).count()));
+    return forward(bus, request);
 }
 
 int runApplication(const appCommands::Request &request) {
@@ -104,13 +160,6 @@ int runApplication(const appCommands::Request &request) {
                      });
     quitOnTerminationSignals();
     delegate.applicationDidFinishLaunching();
-    if (request.command != appCommands::Command::launch) {
-        // The request that started us runs once launching is over, like a forwarded one.
-        QTimer::singleShot(0, &delegate, [&delegate, request] {
-            if (auto failure = delegate.commands().run(request))
-                report(ExitStatus::unavailable, QString::fromStdString(*failure));
-        });
-    }
     const int status = QApplication::exec();
     delegate.applicationWillTerminate();
     return status;
@@ -146,14 +195,22 @@ int main(int argc, char **argv) {
         QCoreApplication application(argc, argv);
         return runServiceFilter(request.serviceKind);
     }
-    if (request.command == appCommands::Command::quit || !hasDisplay()) {
-        // Neither needs a display of its own: a running instance does the work, or nothing does.
+    if (request.command != appCommands::Command::launch || !hasDisplay()) {
+        // Handing over needs no display of its own: a running instance does the work, or one
+        // started for it, or nothing does.
         QCoreApplication application(argc, argv);
         QDBusConnection bus = QDBusConnection::sessionBus();
-        const bool running = bus.isConnected() && singleInstance::isRunning(bus);
-        if (running)
+        const bool connected = bus.isConnected();
+        if (connected && singleInstance::isRunning(bus))
             return forward(bus, request);
-        return request.command == appCommands::Command::quit ? 0 : noDisplay();
+        if (request.command == appCommands::Command::quit)
+            return 0;
+        if (!hasDisplay())
+            return noDisplay();
+        if (!connected)
+            return report(ExitStatus::unavailable,
+                          QStringLiteral("no D-Bus session bus to hand the request to Glyphmill"));
+        return startThenForward(bus, request);
     }
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Glyphmill"));

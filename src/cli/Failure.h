@@ -9,6 +9,8 @@ namespace glyphmill::cli {
 // The values follow <sysexits.h>, which shell scripts already know.
 enum class ExitStatus : int {
     success = 0,
+    notDone = 1, // an application command that found nothing to do, or could not write
+
     usage = 64,
     invalidText = 65,
     unreadableInput = 66,

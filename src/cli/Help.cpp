@@ -51,9 +51,9 @@ constexpr std::string_view applicationHelp =
     R"(Usage: glyphmill [COMMAND]
 
 Without a command, starts Glyphmill in the tray; when it is already running,
-nothing more happens. The commands hand a request to the running Glyphmill,
-starting it first if needed (except quit), so a desktop keyboard shortcut can
-run them.
+nothing more happens. The commands hand a request to the running Glyphmill and
+end with its answer, so a desktop keyboard shortcut can run them. When none
+runs, they start it in the tray first (except quit); it keeps running.
 
 Commands:
   palette          open the floating palette
@@ -71,7 +71,9 @@ Options:
   -h, --help       show this help
   --version        show the version
 
-Exit status: 0 done, 64 wrong usage, 69 Glyphmill not installed, no display
+Exit status: 0 done (clipboard, paste-plain, restore: the clipboard changed),
+1 nothing to do (no text on the clipboard, nothing to restore) or the clipboard
+could not be written, 64 wrong usage, 69 Glyphmill not installed, no display
 to start it on, or the request could not be delivered.
 )";
 
@@ -90,6 +92,9 @@ Kinds:
                       the line tools
   number, join, split, matching, containing, find-replace
                       the line tools that ask a question first
+
+Exit status: 0 the clipboard changed, 1 it holds no text (or a question was
+cancelled) or could not be written, 64 wrong usage, 69 Glyphmill unavailable.
 )";
 
 constexpr std::string_view serviceHelp =

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # The application as a user's session meets it: `glyphmill` starts it in the tray, the Services
 # answer on the bus, `glyphmill service` works with and without it, a second `glyphmill` hands
-# its request over and ends, and `glyphmill quit` ends the first. Runs inside
+# its request over and ends with what became of it (0 the clipboard changed, 1 nothing to do),
+# a command with nothing running starts the application on its own and returns, and
+# `glyphmill quit` ends it. Runs inside
 # run-under-x-server.sh (a private X server and D-Bus session).
 #
 #   glyphmill-app-session.sh PATH/TO/glyphmill
@@ -14,6 +16,9 @@ services() { # METHOD TEXT
   gdbus call --session --dest org.glyphmill.Glyphmill --object-path /org/glyphmill/Glyphmill \
     --method "org.glyphmill.Services.$1" "$2"
 }
+
+# The message line and the status line of a command's output.
+first_and_last() { printf '%s %s' "$(head -n 1 <<<"$1")" "$(tail -n 1 <<<"$1")"; }
 
 "$glyphmill" terms add zorBlax >/dev/null
 
@@ -51,6 +56,16 @@ set_clipboard "make me loud"
 check "handed-over clipboard command" "0 MAKE ME LOUD" "$? $(clipboard)"
 "$glyphmill" restore
 check "restore" "0 make me loud" "$? $(clipboard)"
+output=$("$glyphmill" restore 2>&1; echo "status $?")
+check "a second restore has nothing to do" "glyphmill: nothing to restore status 1" "$(first_and_last "$output")"
+
+printf '\x89PNG' | xclip -selection clipboard -target image/png -in
+output=$("$glyphmill" clipboard title-case 2>&1; echo "status $?")
+check "no text for a transform: status 1" "glyphmill: the clipboard holds no text status 1" \
+  "$(first_and_last "$output")"
+output=$("$glyphmill" paste-plain 2>&1; echo "status $?")
+check "nothing to paste: status 1" "glyphmill: the clipboard holds no text status 1" "$(first_and_last "$output")"
+set_clipboard "make me loud"
 "$glyphmill"
 check "a second plain start ends at once" "0" "$?"
 env -u DISPLAY "$glyphmill" clipboard title-case
@@ -66,15 +81,30 @@ app_pid=
 check "the name is released" "no" "$(name_has_owner && echo yes || echo no)"
 
 # --- A command starts the application when none runs -------------------------------------------
+# It returns once the started application has answered, and leaves it running in the tray with
+# nothing of ours held open: the command substitution would wait for a pipe held by it.
+app_pid() {
+  gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
+    --method org.freedesktop.DBus.GetConnectionUnixProcessID org.glyphmill.Glyphmill |
+    grep -o '[0-9][0-9]*' | tail -n 1
+}
+output=$(timeout 120 "$glyphmill" restore 2>&1; echo "status $?")
+check "restore starts the application, which has nothing to restore" "glyphmill: nothing to restore status 1 yes" \
+  "$(first_and_last "$output") $(name_has_owner && echo yes || echo no)"
+"$glyphmill" quit
+wait_until sh -c '! gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus --method org.freedesktop.DBus.NameHasOwner org.glyphmill.Glyphmill | grep -q true'
+check "and quits when asked" "no" "$(name_has_owner && echo yes || echo no)"
+
 set_clipboard "QUIET NOW"
-"$glyphmill" clipboard lowercase 2>>"$workdir/app.log" &
-app_pid=$!
-wait_until sh -c '[ "$(xclip -selection clipboard -out 2>/dev/null)" = "quiet now" ]'
-check "a command starts the application and runs" "quiet now" "$(clipboard)"
-# Logging out sends SIGTERM: the same orderly end as quitting.
-kill -TERM "$app_pid"
-wait "$app_pid"
-check "SIGTERM ends it normally" "0 no" "$? $(name_has_owner && echo yes || echo no)"
-app_pid=
+output=$(timeout 120 "$glyphmill" clipboard lowercase 2>&1; echo "status $?")
+check "a command starts the application, hands over and returns" "status 0 quiet now" "$output $(clipboard)"
+started=$(app_pid)
+check "the started application keeps running in a session of its own" "yes yes" \
+  "$(kill -0 "$started" 2>/dev/null && echo yes) $([ "$(ps -o sid= -p "$started" | tr -d ' ')" = "$started" ] && echo yes)"
+# Logging out sends SIGTERM: the same orderly end as quitting, and the name goes with it.
+kill -TERM "$started"
+wait_until sh -c "! kill -0 $started 2>/dev/null"
+check "SIGTERM ends it" "no no" \
+  "$(kill -0 "$started" 2>/dev/null && echo yes || echo no) $(name_has_owner && echo yes || echo no)"
 
 finish
