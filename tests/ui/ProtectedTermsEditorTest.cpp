@@ -7,6 +7,7 @@
 #include "platform/PlatformServices.h"
 #include "platform/RecordingKeystrokeSender.h"
 #include "platform/ScriptedDialogs.h"
+#include "support/SpinUntil.h"
 #include "transform/ProtectedTermsStore.h"
 #include "ui/TermOrdering.h"
 
@@ -160,7 +161,7 @@ TEST_F(ProtectedTermsEditorTest, FollowsChangesMadeElsewhereAndKeepsTheSelection
 
 TEST_F(ProtectedTermsEditorTest, ReturnPressesDoneEvenFromTheTable) {
     editor->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(editor.get()));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(editor.get(), waitDeadlineMilliseconds));
     table()->setFocus();
     bool finished = false;
     QObject::connect(editor.get(), &QDialog::accepted, [&] { finished = true; });

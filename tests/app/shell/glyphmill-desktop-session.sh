@@ -50,6 +50,17 @@ palette_window() {
 }
 palette_is_open() { [ -n "$(palette_window)" ]; }
 palette_is_closed() { [ -z "$(palette_window)" ]; }
+# The palette shows before the window manager gives it the keyboard; a key typed in between would
+# go to the window below.
+palette_has_keyboard() {
+  local palette
+  palette=$(palette_window)
+  [ -n "$palette" ] && [ "$(xdotool getwindowfocus -f 2>/dev/null)" = "$palette" ]
+}
+palette_key() { # KEY...
+  wait_until palette_has_keyboard || echo "the palette never took the keyboard" >&2
+  xdotool key "$@"
+}
 menu_is_open() { [ -n "$(shown_windows)" ] && palette_is_closed; }
 nothing_is_open() { [ -z "$(shown_windows)" ]; }
 
@@ -86,7 +97,7 @@ xdotool mousemove 800 450 key shift+super+t key ctrl+alt+super+t
 wait_until palette_is_open
 check "the palette chord still works while Title Case is taken" "yes" "$(palette_is_open && echo yes)"
 check "the taken chord stays with the other program" "the end of the road" "$(clipboard)"
-xdotool key Escape
+palette_key Escape
 wait_until palette_is_closed
 stop_app
 kill "${helper_pids[0]}"
@@ -136,7 +147,7 @@ eval "$(xdotool getwindowgeometry --shell "$(palette_window)")"
 check "the palette opens below the pointer" "660 466 280" "$X $Y $WIDTH"
 palette_left=$X
 palette_top=$Y
-xdotool key Escape
+palette_key Escape
 wait_until palette_is_closed
 check "Escape closes the palette" "closed" "$(palette_is_closed && echo closed)"
 

@@ -7,15 +7,14 @@
 // white-on-dark line under it, a line near the left screen's right edge, and on the right screen a
 // line and another one just past the shared edge. page: every screen filled with lines of prose.
 //
-// Once every window has been painted it writes LAYOUT_FILE (whole, renamed into place), one line a
-// block: NAME LEFT TOP WIDTH HEIGHT TEXT, the rectangle in global coordinates around the ink of the
-// text, the block's lines joined with "|".
+// Once the server has every window's picture it writes LAYOUT_FILE (whole, renamed into place), one
+// line a block: NAME LEFT TOP WIDTH HEIGHT TEXT, the rectangle in global coordinates around the ink
+// of the text, the block's lines joined with "|".
 #include <QApplication>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QSaveFile>
 #include <QScreen>
-#include <QTimer>
 #include <QWidget>
 
 #include <algorithm>
@@ -194,9 +193,17 @@ int main(int argc, char **argv) {
         const QSize size = screens[i]->geometry().size();
         boards.push_back(std::make_unique<Board>(
             screens[i], mode == QLatin1String("desk") ? deskBlocks(i, size) : pageBlocks(i, size), [&] {
-                // The picture reaches the server when the paint event has returned.
+                // The picture is sent to the server once the paint event has returned; the queued
+                // call runs after that, and its round trip returns once the server has drawn
+                // everything sent before it.
                 if (--unpainted == 0)
-                    QTimer::singleShot(100, writeLayout);
+                    QMetaObject::invokeMethod(
+                        &application,
+                        [&] {
+                            QGuiApplication::sync();
+                            writeLayout();
+                        },
+                        Qt::QueuedConnection);
             }));
         boards.back()->show();
     }

@@ -76,6 +76,19 @@ bubble() { app_windows | awk '$3 == "220x44" { print $2 }'; }
 bubble_is_shown() { [ -n "$(bubble)" ]; }
 bubble_is_gone() { [ -z "$(bubble)" ]; }
 clipboard_is_not() { [ "$(clipboard)" != "$1" ]; }
+# The panel that has the keyboard's focus, as "X,Y WIDTHxHEIGHT", if one has. A panel shows
+# before it takes the keyboard, and a key typed in between would go elsewhere.
+focused_panel() {
+  local focus
+  focus=$(xdotool getwindowfocus -f 2>/dev/null) || return 1
+  overlays | awk -v focus="$focus" '$1 == focus { print $2 " " $3; found = 1 } END { exit !found }'
+}
+overlay_has_keyboard() { focused_panel >/dev/null; }
+# Types keys on the overlay once one of its panels has the keyboard.
+overlay_key() { # KEY...
+  wait_until overlay_has_keyboard || echo "the overlay never took the keyboard" >&2
+  xdotool key "$@"
+}
 
 # The captured texts in the stored history, newest first, one a line ("|" for a line break).
 history() {
@@ -138,7 +151,8 @@ check "the capture history holds the text" "${text[left]//$'\n'/|}" "$(history)"
 # --- Cancelling leaves the clipboard alone ---------------------------------------------------
 set_clipboard "$sentinel"
 open_overlay
-xdotool mousemove 900 300 key Escape
+xdotool mousemove 900 300
+overlay_key Escape
 wait_until overlay_is_gone
 check "Escape closes the overlay" "gone" "$(overlay_is_gone && echo gone)"
 
@@ -166,7 +180,7 @@ open_overlay
 panels=$(overlays)
 "$glyphmill" capture
 check "a second capture keeps the same panels" "$panels" "$(overlays)"
-xdotool key Escape
+overlay_key Escape
 wait_until overlay_is_gone
 check "and Escape still closes them" "gone" "$(overlay_is_gone && echo gone)"
 
@@ -197,7 +211,9 @@ wait_until bubble_is_gone
 xdotool mousemove 2400 450 key shift+super+2
 wait_until overlay_is_up
 check "Shift+Super+2 opens the overlay" "0,0 1600x900 1600,0 1600x900" "$(overlay_frames)"
-xdotool key Escape
+wait_until overlay_has_keyboard
+check "the panel under the pointer takes the keyboard" "1600,0 1600x900" "$(focused_panel)"
+overlay_key Escape
 wait_until overlay_is_gone
 check "Escape closes it with the pointer on the right monitor" "gone" "$(overlay_is_gone && echo gone)"
 
@@ -214,7 +230,7 @@ check "removing a monitor closes the overlay" "gone" "$(overlay_is_gone && echo 
 xrandr --setmonitor right 1600/423x900/238+1600+0 none >/dev/null
 open_overlay
 check "the next capture covers the monitors as they are" "0,0 1600x900 1600,0 1600x900" "$(overlay_frames)"
-xdotool key Escape
+overlay_key Escape
 wait_until overlay_is_gone
 
 "$glyphmill" quit

@@ -66,7 +66,9 @@ public:
     void setAutorepeat(bool on) {
         const std::uint32_t mode = on ? XCB_AUTO_REPEAT_MODE_ON : XCB_AUTO_REPEAT_MODE_OFF;
         xcb_change_keyboard_control(connection_, XCB_KB_AUTO_REPEAT_MODE, &mode);
-        xcb_flush(connection_);
+        // A round trip: the server has made the change before the keys typed next reach it.
+        std::free(
+            xcb_get_keyboard_control_reply(connection_, xcb_get_keyboard_control(connection_), nullptr));
     }
     X11KeyboardMapping mapping() const { return X11KeyboardMapping::read(connection_); }
 

@@ -12,7 +12,7 @@
 set -euo pipefail
 
 if [ "${1:-}" != --inside-session ]; then
-  for tool in Xvfb xdpyinfo xprop xdotool openbox trayer xclip dbus-run-session; do
+  for tool in Xvfb xdpyinfo xprop xdotool openbox trayer xclip dbus-run-session python3; do
     if ! command -v "$tool" >/dev/null; then
       echo "run-under-x-server: $tool is not installed (scripts/install-deps installs it); skipped" >&2
       exit 77
@@ -34,14 +34,39 @@ stop_all() {
 }
 trap stop_all EXIT
 
-# Waits until the command succeeds, up to about ten seconds.
+# Waits until the command succeeds. The deadline of a minute only keeps a broken start from
+# hanging: on a machine busy with a build, or under the sanitizers, the programs below can take
+# many seconds to come up, and the wait ends as soon as they have.
 wait_for() {
-  local _
-  for _ in $(seq 100); do
-    "$@" >/dev/null 2>&1 && return 0
+  local deadline=$((SECONDS + 60))
+  until "$@" >/dev/null 2>&1; do
+    ((SECONDS < deadline)) || return 1
     sleep 0.1
   done
-  return 1
+}
+
+# Whether a tray host owns the system tray selection of the display's default screen, which is
+# what a tray icon needs; trayer's window can exist before it does.
+tray_is_managed() {
+  python3 - <<'PYTHON'
+import ctypes, ctypes.util, sys
+x11 = ctypes.CDLL(ctypes.util.find_library("X11") or "libX11.so.6")
+x11.XOpenDisplay.restype = ctypes.c_void_p
+x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
+x11.XDefaultScreen.argtypes = [ctypes.c_void_p]
+x11.XInternAtom.restype = ctypes.c_ulong
+x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
+x11.XGetSelectionOwner.restype = ctypes.c_ulong
+x11.XGetSelectionOwner.argtypes = [ctypes.c_void_p, ctypes.c_ulong]
+x11.XCloseDisplay.argtypes = [ctypes.c_void_p]
+display = x11.XOpenDisplay(None)
+if not display:
+    sys.exit(1)
+selection = x11.XInternAtom(display, b"_NET_SYSTEM_TRAY_S%d" % x11.XDefaultScreen(display), 0)
+owner = x11.XGetSelectionOwner(display, selection)
+x11.XCloseDisplay(display)
+sys.exit(0 if owner else 1)
+PYTHON
 }
 
 fail() {
@@ -68,6 +93,7 @@ trayer --edge top --align right --widthtype request --height 24 --SetDockType tr
   >"$workdir/trayer.log" 2>&1 &
 pids+=($!)
 wait_for xdotool search --classname trayer || fail "trayer did not start"
+wait_for tray_is_managed || fail "trayer did not take the system tray"
 
 export QT_QPA_PLATFORM=xcb
 unset WAYLAND_DISPLAY

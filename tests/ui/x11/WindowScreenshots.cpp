@@ -30,6 +30,7 @@
 #include <gtest/gtest.h>
 
 #include "support/ScreenshotSupport.h"
+#include "support/SpinUntil.h"
 
 namespace glyphmill {
 namespace {
@@ -155,7 +156,7 @@ protected:
     }
     static void showAndSettle(QWidget &window) {
         window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window, waitDeadlineMilliseconds));
         QCoreApplication::processEvents();
     }
     // Checks the window as it is now; the name says which state of which window failed.
@@ -187,7 +188,7 @@ TEST_F(WindowScreenshots, ProtectedTermsSheet) {
     sheet->setWindowModality(Qt::WindowModal);
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     sheet->open();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(sheet));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(sheet, waitDeadlineMilliseconds));
     // A selected row, so the enabled remove button shows too.
     auto *table = sheet->findChild<QTableWidget *>();
     ASSERT_NE(table, nullptr);
@@ -207,7 +208,7 @@ TEST_F(WindowScreenshots, SettingsWindowAtTopAndBottom) {
     showSettingsWindow(store);
     QWidget *window = existingSettingsWindow();
     ASSERT_NE(window, nullptr);
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window, waitDeadlineMilliseconds));
     auto *scroll = window->findChild<QScrollArea *>();
     ASSERT_NE(scroll, nullptr);
     QScrollBar *bar = scroll->verticalScrollBar();
@@ -242,7 +243,7 @@ TEST_F(WindowScreenshots, WelcomeGuidePages) {
         showWelcomeGuide(&store);
         QWidget *window = existingWelcomeWindow();
         ASSERT_NE(window, nullptr);
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(window, waitDeadlineMilliseconds));
         for (std::size_t page = 0; page < pages.size(); ++page) {
             const std::string state = (dark ? "dark, page " : "light, page ") + std::to_string(page + 1);
             pages[page].push_back(checkedPicture(*window, state.c_str()));
