@@ -124,6 +124,30 @@ int startThenForward(QDBusConnection &bus, const appCommands::Request &request) 
     return forward(bus, request);
 }
 
+int handOverOn(QDBusConnection &bus, const appCommands::Request &request) {
+    const bool connected = bus.isConnected();
+    if (connected && singleInstance::isRunning(bus))
+        return forward(bus, request);
+    if (request.command == appCommands::Command::quit)
+        return 0;
+    if (!hasDisplay())
+        return noDisplay();
+    if (!connected)
+        return report(ExitStatus::unavailable,
+                      QStringLiteral("no D-Bus session bus to hand the request to Glyphmill"));
+    return startThenForward(bus, request);
+}
+
+// Ends the program as soon as the answer is reported. Nothing here needs tearing down, and a
+// message the bus connection is still dispatching while Qt tears down its types would print
+// warnings about invalid types after the one line the user is meant to read.
+[[noreturn]] void handOver(const appCommands::Request &request) {
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    const int status = handOverOn(bus, request);
+    std::fflush(nullptr);
+    std::_Exit(status);
+}
+
 int runApplication(const appCommands::Request &request) {
     installLinuxPlatformServices();
     QApplication::setQuitOnLastWindowClosed(false);
@@ -199,18 +223,7 @@ int main(int argc, char **argv) {
         // Handing over needs no display of its own: a running instance does the work, or one
         // started for it, or nothing does.
         QCoreApplication application(argc, argv);
-        QDBusConnection bus = QDBusConnection::sessionBus();
-        const bool connected = bus.isConnected();
-        if (connected && singleInstance::isRunning(bus))
-            return forward(bus, request);
-        if (request.command == appCommands::Command::quit)
-            return 0;
-        if (!hasDisplay())
-            return noDisplay();
-        if (!connected)
-            return report(ExitStatus::unavailable,
-                          QStringLiteral("no D-Bus session bus to hand the request to Glyphmill"));
-        return startThenForward(bus, request);
+        handOver(request);
     }
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Glyphmill"));

@@ -17,8 +17,8 @@ services() { # METHOD TEXT
     --method "org.glyphmill.Services.$1" "$2"
 }
 
-# The message line and the status line of a command's output.
-first_and_last() { printf '%s %s' "$(head -n 1 <<<"$1")" "$(tail -n 1 <<<"$1")"; }
+# Every line a command printed, on one line: a message and the status, and nothing else.
+one_line() { tr '\n' ' ' <<<"$1" | sed 's/ $//'; }
 
 "$glyphmill" terms add zorBlax >/dev/null
 
@@ -50,6 +50,15 @@ check "blank is not handled" "(false, '  ')" "$(services transformLowercase '  '
 check "service through the running instance" "Hello world" \
   "$(printf 'hello world' | "$glyphmill" service smart-case)"
 
+# The running application follows the preference file: terms changed from the command line are
+# protected (and given up) without a restart.
+"$glyphmill" terms add QuuxCorp
+wait_until sh -c "$(declare -f services); services transformLowercase 'QUUXCORP NEWS' | grep -q QuuxCorp"
+check "a term added by another program" "(true, 'QuuxCorp news')" "$(services transformLowercase 'QUUXCORP NEWS')"
+"$glyphmill" terms remove quuxcorp
+wait_until sh -c "$(declare -f services); services transformLowercase 'QUUXCORP NEWS' | grep -q quuxcorp"
+check "a term removed by another program" "(true, 'quuxcorp news')" "$(services transformLowercase 'QUUXCORP NEWS')"
+
 # A second start hands over its request and ends; the first keeps running.
 set_clipboard "make me loud"
 "$glyphmill" clipboard uppercase
@@ -57,14 +66,14 @@ check "handed-over clipboard command" "0 MAKE ME LOUD" "$? $(clipboard)"
 "$glyphmill" restore
 check "restore" "0 make me loud" "$? $(clipboard)"
 output=$("$glyphmill" restore 2>&1; echo "status $?")
-check "a second restore has nothing to do" "glyphmill: nothing to restore status 1" "$(first_and_last "$output")"
+check "a second restore has nothing to do" "glyphmill: nothing to restore status 1" "$(one_line "$output")"
 
 printf '\x89PNG' | xclip -selection clipboard -target image/png -in
 output=$("$glyphmill" clipboard title-case 2>&1; echo "status $?")
 check "no text for a transform: status 1" "glyphmill: the clipboard holds no text status 1" \
-  "$(first_and_last "$output")"
+  "$(one_line "$output")"
 output=$("$glyphmill" paste-plain 2>&1; echo "status $?")
-check "nothing to paste: status 1" "glyphmill: the clipboard holds no text status 1" "$(first_and_last "$output")"
+check "nothing to paste: status 1" "glyphmill: the clipboard holds no text status 1" "$(one_line "$output")"
 set_clipboard "make me loud"
 "$glyphmill"
 check "a second plain start ends at once" "0" "$?"
@@ -90,7 +99,7 @@ app_pid() {
 }
 output=$(timeout 120 "$glyphmill" restore 2>&1; echo "status $?")
 check "restore starts the application, which has nothing to restore" "glyphmill: nothing to restore status 1 yes" \
-  "$(first_and_last "$output") $(name_has_owner && echo yes || echo no)"
+  "$(one_line "$output") $(name_has_owner && echo yes || echo no)"
 "$glyphmill" quit
 wait_until sh -c '! gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus --method org.freedesktop.DBus.NameHasOwner org.glyphmill.Glyphmill | grep -q true'
 check "and quits when asked" "no" "$(name_has_owner && echo yes || echo no)"
