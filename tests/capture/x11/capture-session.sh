@@ -73,8 +73,34 @@ overlay_frames() { overlays | awk '{ print $2 " " $3 }' | paste -sd ' '; }
 overlay_is_up() { [ "$(overlays | wc -l)" -eq 2 ]; }
 overlay_is_gone() { [ -z "$(overlays)" ]; }
 bubble() { app_windows | awk '$3 == "220x44" { print $2 }'; }
-bubble_is_shown() { [ -n "$(bubble)" ]; }
 bubble_is_gone() { [ -z "$(bubble)" ]; }
+# The bubble goes away by itself a moment after it shows, sooner than polling the screen is sure
+# to see it on a busy machine. So the windows mapped on the root are followed as the server's
+# events, which wait in line until read, from before the first capture on.
+stdbuf -oL xev -root -event substructure -event property >"$workdir/root-events" 2>/dev/null &
+helper_pids+=($!)
+root_events_seen() {
+  xprop -root -f _GLYPHMILL_TEST_MARK 8s -set _GLYPHMILL_TEST_MARK seen
+  grep -q '^PropertyNotify' "$workdir/root-events"
+}
+wait_until root_events_seen || { echo "FAILED: xev never reported the root window's events" >&2; exit 1; }
+# Where the latest bubble mapped after line MARK of the root events is, as "X,Y".
+bubble_mapped_since() { # MARK
+  awk -v mark="$1" '
+    /^[A-Za-z]+ event,/ { kind = $1; next }
+    kind == "" || !match($0, /window 0x[0-9a-f]+/) { next }
+    {
+      id = substr($0, RSTART + 7, RLENGTH - 7)
+      if ((kind == "CreateNotify" || kind == "ConfigureNotify") &&
+          match($0, /\(-?[0-9]+,-?[0-9]+\), width [0-9]+, height [0-9]+/))
+        frame[id] = substr($0, RSTART, RLENGTH)
+      else if (kind == "MapNotify" && NR > mark && frame[id] ~ /width 220, height 44$/)
+        found = substr(frame[id], 2, index(frame[id], ")") - 2)
+      kind = ""
+    }
+    END { if (found == "") exit 1; print found }' "$workdir/root-events"
+}
+root_events_mark() { wc -l <"$workdir/root-events"; }
 clipboard_is_not() { [ "$(clipboard)" != "$1" ]; }
 # The panel that has the keyboard's focus, as "X,Y WIDTHxHEIGHT", if one has. A panel shows
 # before it takes the keyboard, and a key typed in between would go elsewhere.
@@ -136,14 +162,15 @@ check "the overlay covers each monitor once" "0,0 1600x900 1600,0 1600x900" "$(o
 # An even width and height, so the bubble's place below the selection is a whole pixel.
 x1=$((left[left] - 14)) y1=$((top[left] - 14))
 x2=$((x1 + (width[left] + 28 + 1) / 2 * 2)) y2=$((y1 + (height[left] + 28 + 1) / 2 * 2))
+mark=$(root_events_mark)
 drag "$x1" "$y1" "$x2" "$y2" capture-drag
 wait_until clipboard_is_not "$sentinel"
 check "the clipboard holds the text under the drag" "${text[left]}" "$(clipboard)"
 check "the overlay is gone after the drag" "gone" "$(overlay_is_gone && echo gone)"
-wait_until bubble_is_shown
+wait_until bubble_mapped_since "$mark"
 screenshot capture-bubble
 # Centred under the selection, 24 px below its bottom edge.
-check "the bubble shows below the selection" "$(((x1 + x2) / 2 - 110)),$((y2 + 24))" "$(bubble)"
+check "the bubble shows below the selection" "$(((x1 + x2) / 2 - 110)),$((y2 + 24))" "$(bubble_mapped_since "$mark")"
 wait_until bubble_is_gone
 check "the bubble goes away by itself" "gone" "$(bubble_is_gone && echo gone)"
 check "the capture history holds the text" "${text[left]//$'\n'/|}" "$(history)"
@@ -168,9 +195,10 @@ check "a drag narrower than 8 px closes the overlay" "gone" "$(overlay_is_gone &
 
 # Blank paper: the bubble says so and nothing is copied.
 open_overlay
+mark=$(root_events_mark)
 drag 900 150 1300 350
-wait_until bubble_is_shown
-check "a drag over blank paper shows the bubble" "shown" "$(bubble_is_shown && echo shown)"
+wait_until bubble_mapped_since "$mark"
+check "a drag over blank paper shows the bubble" "shown" "$(bubble_mapped_since "$mark" >/dev/null && echo shown)"
 wait_until bubble_is_gone
 check "cancelled and empty captures leave the clipboard alone" "$sentinel" "$(clipboard)"
 check "and add nothing to the history" "${text[left]//$'\n'/|}" "$(history)"
@@ -185,11 +213,12 @@ wait_until overlay_is_gone
 check "and Escape still closes them" "gone" "$(overlay_is_gone && echo gone)"
 
 # --- Each monitor, and a drag across the edge --------------------------------------------------
+mark=$(root_events_mark)
 capture_block right
 check "a drag on the right monitor copies its text" "${text[right]}" "$(clipboard)"
-wait_until bubble_is_shown
+wait_until bubble_mapped_since "$mark"
 check "the bubble shows on the right monitor" "right" \
-  "$(bubble | awk -F, '{ print ($1 >= 1600) ? "right" : "left" }')"
+  "$(bubble_mapped_since "$mark" | awk -F, '{ print ($1 >= 1600) ? "right" : "left" }')"
 wait_until bubble_is_gone
 
 set_clipboard "$sentinel"
