@@ -16,7 +16,7 @@ glyphmill=$1
 text_board=$2
 source "$(dirname "$0")/../../app/shell/session-support.sh"
 
-for tool in xrandr python3; do
+for tool in xrandr python3 xev stdbuf; do
   command -v "$tool" >/dev/null || { echo "$tool is not installed (scripts/install-deps installs it); skipped" >&2; exit 77; }
 done
 if [ "$(xdpyinfo | awk '/dimensions:/ { print $2 }')" != 3200x900 ]; then
