@@ -320,12 +320,12 @@ TEST_F(JsonFilePreferenceStoreTest, UpdatesFromConcurrentProcessesLoseNoEntry) {
 
 TEST_F(JsonFilePreferenceStoreTest, UpdateThatDeclinesWritesNothing) {
     JsonFilePreferenceStore store(path_);
-    std::optional<PreferenceValue> seen = PreferenceValue(true);
+    bool sawAbsent = false;
     EXPECT_TRUE(store.updateValue("absent", [&](const std::optional<PreferenceValue> &stored) {
-        seen = stored;
+        sawAbsent = !stored.has_value();
         return std::optional<PreferenceValue>();
     }));
-    EXPECT_FALSE(seen);
+    EXPECT_TRUE(sawAbsent);
     EXPECT_FALSE(fs::exists(path_));
 }
 
