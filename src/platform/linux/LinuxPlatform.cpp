@@ -14,13 +14,16 @@
 #include "platform/linux/XTestKeystrokeSender.h"
 #include "platform/linux/XdgAutostartLoginItem.h"
 
+#include <QCoreApplication>
+
 namespace glyphmill {
 
 void installLinuxPlatformServices() {
     // Never destroyed: controllers that are never destroyed either hold these.
     static auto *preferences = [] {
         auto *store = new JsonFilePreferenceStore();
-        new PreferenceFileWatcher(*store); // as long-lived as the store it follows
+        // Ends with the application, before the store it follows.
+        new PreferenceFileWatcher(*store, QCoreApplication::instance());
         return store;
     }();
     static const PlatformServices services{
