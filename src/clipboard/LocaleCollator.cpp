@@ -8,7 +8,10 @@ namespace glyphmill {
 
 std::unique_ptr<icu::Collator> numericLocaleCollator(icu::Collator::ECollationStrength strength) {
     icu::Locale locale = icu::Locale::getDefault();
-    if (std::strcmp(locale.getVariant(), "POSIX") == 0)
+    // A locale name ICU cannot make sense of (LANG=aaaaaaaaaaaa) gives a bogus locale, whose
+    // parts are null; like the POSIX locale it sorts by the root rules.
+    const char *variant = locale.getVariant();
+    if (locale.isBogus() || !variant || std::strcmp(variant, "POSIX") == 0)
         locale = icu::Locale::getRoot();
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(locale, status));

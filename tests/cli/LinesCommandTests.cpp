@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace glyphmill::testing {
 namespace {
@@ -106,6 +107,20 @@ TEST_F(LinesCommand, ARunawayPatternIsRefusedWithoutOutput) {
     EXPECT_EQ(result.exitStatus, 65);
     EXPECT_EQ(result.standardOutput, "");
     EXPECT_EQ(result.standardError, "glyphmill: The pattern takes too long on this text.\n");
+}
+
+TEST_F(LinesCommand, SortsUnderLocaleNamesIcuCannotRead) {
+    // The child takes this process's environment; the test's own LC_ALL would hide LANG.
+    const char *savedAll = std::getenv("LC_ALL");
+    const std::string saved = savedAll ? savedAll : "";
+    ::unsetenv("LC_ALL");
+    for (const char *lang : {"aaaaaaaaaaaa", "x", "de_DE@", "C", "POSIX"}) {
+        ::setenv("LANG", lang, 1);
+        EXPECT_EQ(output({"lines", "sort"}, "b\nitem 10\na\nitem 9\n"), "a\nb\nitem 9\nitem 10\n") << lang;
+    }
+    ::unsetenv("LANG");
+    if (savedAll)
+        ::setenv("LC_ALL", saved.c_str(), 1);
 }
 
 TEST_F(LinesCommand, HelpAtEveryLevelWinsOverMistakes) {
