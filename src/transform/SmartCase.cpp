@@ -409,9 +409,9 @@ std::u16string smartCaseText(std::u16string_view text, const std::vector<std::u1
     if (text.empty())
         return std::u16string(text);
     MaskedText masked = maskProtectedSpans(text, options);
-    std::u16string working = std::move(masked.text);
     if (options.preserveProtectedTerms)
-        working = maskProtectedTerms(working, terms, masked.placeholders);
+        maskProtectedTerms(masked, terms);
+    const std::u16string &working = masked.text;
     // From here every step starts afresh at each line feed, so long texts go line chunk by
     // line chunk; only the all-caps test looks at the whole.
     Correction correction = Correction::none;

@@ -113,8 +113,6 @@ TEST_P(TransformBehaviour, UppercaseAndLowercase) {
         {Kind::lowercase, u"USB BUS USA US. (US)", u"usb bus usa US. (US)", {u"US"}},
         {Kind::lowercase, u"APP STORE AND APP", u"App Store and App", {u"App", u"App Store"}},
         {Kind::lowercase, u"IPHONE😀", u"iPhone😀", {u"iPhone"}},
-        // A literal placeholder in the input is restored like the one made for «#Tag».
-        {Kind::uppercase, u"#Tag \uE0000\uE001", u"#Tag #Tag"},
         // A code span that holds U+E000 is not masked.
         {Kind::uppercase, u"`a\uE000b` x", u"`A\uE000B` X"},
     });

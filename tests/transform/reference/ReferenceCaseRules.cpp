@@ -288,8 +288,11 @@ std::u16string smartCaseText(std::u16string_view text, const std::vector<std::u1
     if (options.preserveProtectedTerms) {
         Masked termsMasked = maskProtectedTerms(masked.text, terms);
         masked.text = std::move(termsMasked.text);
-        for (auto &[key, value] : termsMasked.placeholders)
+        for (auto &[key, value] : termsMasked.placeholders) {
+            if (masked.placeholders.count(key))
+                placeholdersAmbiguous = true;
             masked.placeholders[key] = value;
+        }
     }
     if (options.correctAllUppercaseProse) {
         masked.text = isMostlyUppercase(masked.text)

@@ -157,6 +157,8 @@ Masked maskProtectedTerms(std::u16string_view text, const std::vector<std::u16st
     return result;
 }
 
+thread_local bool placeholdersAmbiguous = false;
+
 std::u16string restorePlaceholders(std::u16string_view text, const PlaceholderEntries &placeholders) {
     std::vector<std::pair<std::size_t, std::u16string>> keys;
     for (const auto &entry : placeholders)
@@ -170,18 +172,42 @@ std::u16string restorePlaceholders(std::u16string_view text, const PlaceholderEn
         if (key.empty())
             continue;
         const std::u16string &replacement = placeholders.at(key);
+        if (replacement.find_first_of(u"\uE000\uE001") != std::u16string::npos)
+            placeholdersAmbiguous = true;
         std::u16string next;
         std::size_t copied = 0;
+        std::size_t replaced = 0;
         for (std::size_t found = current.find(key); found != std::u16string::npos;
              found = current.find(key, copied)) {
             next.append(current, copied, found - copied);
             next += replacement;
             copied = found + key.size();
+            ++replaced;
         }
+        if (replaced != 1)
+            placeholdersAmbiguous = true;
         next.append(current, copied, std::u16string::npos);
         current = std::move(next);
     }
     return current;
+}
+
+std::u16string placeholderSkeleton(std::u16string_view text) {
+    std::u16string skeleton;
+    for (char16_t unit : text)
+        if (unit == u'\uE000' || unit == u'\uE001' || (unit >= u'0' && unit <= u'9'))
+            skeleton.push_back(unit);
+    return skeleton;
+}
+
+std::optional<std::u16string> applyWhereUnambiguous(TextTransformKind kind, std::u16string_view text,
+                                                    const std::vector<std::u16string> &terms,
+                                                    const TextProtectionOptions &options) {
+    placeholdersAmbiguous = false;
+    std::u16string result = apply(kind, text, terms, options);
+    if (placeholdersAmbiguous)
+        return std::nullopt;
+    return result;
 }
 
 std::u16string capitalizeWordRuns(std::u16string_view text) {

@@ -7,6 +7,7 @@
 #include "transform/TextTransformer.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,5 +40,21 @@ bool looksAllCaps(std::u16string_view text);
 
 std::u16string apply(TextTransformKind kind, std::u16string_view text,
                      const std::vector<std::u16string> &terms, const TextProtectionOptions &options);
+
+// Set by the steps above when a placeholder's text could be mixed up with another's or with the
+// text around it: a key restored other than exactly once (the text held a copy of it, or a span
+// and a term got the same number), a remembered text holding a placeholder character, a term
+// number equal to a span number. Only where this stays false do the literal rules keep every
+// text apart.
+extern thread_local bool placeholdersAmbiguous;
+
+// The placeholder characters and ASCII digits of a text, in order. No transform adds, drops or
+// moves one, and every protected text comes back whole, so input and output agree on this.
+std::u16string placeholderSkeleton(std::u16string_view text);
+
+// apply, or nothing where placeholdersAmbiguous became true.
+std::optional<std::u16string> applyWhereUnambiguous(TextTransformKind kind, std::u16string_view text,
+                                                    const std::vector<std::u16string> &terms,
+                                                    const TextProtectionOptions &options);
 
 } // namespace glyphmill::reference
