@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
+#include <new>
+#include <system_error>
 #include <thread>
 
 namespace glyphmill {
@@ -60,13 +63,35 @@ bool termsStayWithinLines(const std::vector<std::u16string> &terms) {
 void runInParallel(std::size_t count, const std::function<void(std::size_t)> &work) {
     if (count == 0)
         return;
+    // An exception must not leave a thread (that ends the program): each item's is kept and the
+    // first rethrown here once every thread has finished.
+    std::vector<std::exception_ptr> failures(count);
+    auto guarded = [&work, &failures](std::size_t i) noexcept {
+        try {
+            work(i);
+        } catch (...) {
+            failures[i] = std::current_exception();
+        }
+    };
     std::vector<std::thread> threads;
     threads.reserve(count - 1);
-    for (std::size_t i = 1; i < count; ++i)
-        threads.emplace_back(work, i);
-    work(0);
+    std::size_t started = 1;
+    try {
+        for (; started < count; ++started)
+            threads.emplace_back(guarded, started);
+    } catch (const std::system_error &) {
+        // No thread could be started (no memory for its stack, or no threads left): the items
+        // without one run on this thread.
+    } catch (const std::bad_alloc &) {
+    }
+    guarded(0);
+    for (std::size_t i = started; i < count; ++i)
+        guarded(i);
     for (auto &thread : threads)
         thread.join();
+    for (const auto &failure : failures)
+        if (failure)
+            std::rethrow_exception(failure);
 }
 
 } // namespace glyphmill

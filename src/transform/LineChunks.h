@@ -20,7 +20,9 @@ std::vector<std::u16string_view> lineChunks(std::u16string_view text);
 // Whether no term can match across a line feed, so that terms are found line by line too.
 bool termsStayWithinLines(const std::vector<std::u16string> &terms);
 
-// Runs work(i) for i in [0, count) with one thread per item beyond the first.
+// Runs work(i) for i in [0, count) with one thread per item beyond the first; items whose thread
+// cannot be started run on the calling thread. When items throw, the first one's exception (by
+// index) is rethrown on the calling thread after every item has finished.
 void runInParallel(std::size_t count, const std::function<void(std::size_t)> &work);
 
 } // namespace glyphmill

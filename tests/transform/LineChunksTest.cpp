@@ -5,7 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <atomic>
+#include <new>
 #include <random>
+#include <stdexcept>
 
 namespace glyphmill {
 namespace {
@@ -79,6 +83,34 @@ TEST_F(ChunkedTransform, TermsHoldingALineFeedKeepTheWholeTextTogether) {
     for (auto kind : allTextTransformKinds)
         EXPECT_EQ(chunked(transformer, kind, text), whole(transformer, kind, text));
     EXPECT_EQ(chunked(transformer, TextTransformKind::uppercase, text), u"THE App\nStore IS\nOPEN\n");
+}
+
+// An exception leaving a thread would end the program: a failing item, on the calling thread or
+// a worker, is thrown here instead, once every item has run.
+TEST(RunInParallel, AFailingItemIsThrownToTheCallerAfterTheOthersRan) {
+    for (std::size_t failing : {std::size_t(0), std::size_t(3)}) {
+        std::array<std::atomic<bool>, 6> ran{};
+        EXPECT_THROW(runInParallel(ran.size(),
+                                   [&](std::size_t i) {
+                                       if (i == failing)
+                                           throw std::bad_alloc();
+                                       ran[i] = true;
+                                   }),
+                     std::bad_alloc);
+        for (std::size_t i = 0; i < ran.size(); ++i)
+            EXPECT_EQ(ran[i], i != failing) << "item " << i << ", failing " << failing;
+    }
+
+    // Of several failures, the first item's.
+    try {
+        runInParallel(4, [](std::size_t i) {
+            if (i > 0)
+                throw std::runtime_error("item " + std::to_string(i));
+        });
+        ADD_FAILURE() << "nothing thrown";
+    } catch (const std::runtime_error &error) {
+        EXPECT_STREQ(error.what(), "item 1");
+    }
 }
 
 } // namespace
