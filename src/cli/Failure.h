@@ -15,8 +15,8 @@ enum class ExitStatus : int {
     invalidText = 65,
     unreadableInput = 66,
     unavailable = 69,
-    outOfMemory = 71,
-    cannotSavePreferences = 73,
+    internalError = 71,       // out of memory, or another failure inside the program
+    preferencesUnusable = 73, // a change to the preferences could not be saved
     cannotWriteOutput = 74,
 };
 

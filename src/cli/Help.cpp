@@ -43,8 +43,9 @@ Options:
 
 Exit status: 0 done, 64 wrong usage, 65 text that is not valid UTF-8 (or a
 refused delimiter, pattern, HTML or RTF document), 66 input that cannot be
-read, 69 Glyphmill application not available, 73 preferences that cannot be
-saved, 74 output that cannot be written.
+read (or a file truncated while read), 69 Glyphmill application not
+available, 71 out of memory or another internal error, 73 preferences that
+cannot be saved, 74 output that cannot be written.
 )";
 
 constexpr std::string_view applicationHelp =

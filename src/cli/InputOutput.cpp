@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace glyphmill::cli {
@@ -16,8 +16,12 @@ namespace {
 
 constexpr std::size_t firstReadSize = std::size_t(1) << 16;
 
+[[noreturn]] void failReading(const std::string &name, const std::string &reason) {
+    fail(ExitStatus::unreadableInput, "cannot read " + name + ": " + reason);
+}
+
 [[noreturn]] void failReading(const std::string &name, int error) {
-    fail(ExitStatus::unreadableInput, "cannot read " + name + ": " + std::strerror(error));
+    failReading(name, std::strerror(error));
 }
 
 // Zero when every byte went out, otherwise the reason the system gave.
@@ -32,6 +36,17 @@ int writeAll(int descriptor, std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }
     return 0;
+}
+
+// The bytes a regular file still holds past the descriptor's position; 0 for anything else,
+// or when the file reports no size (as those under /proc do).
+std::size_t bytesLeftInFile(int descriptor, const struct stat &status) {
+    if (!S_ISREG(status.st_mode) || status.st_size <= 0)
+        return 0;
+    off_t position = ::lseek(descriptor, 0, SEEK_CUR);
+    if (position < 0 || position >= status.st_size)
+        return 0;
+    return static_cast<std::size_t>(status.st_size - position);
 }
 
 } // namespace
@@ -58,6 +73,8 @@ InputBytes InputBytes::fromStandardInput() {
     return fromDescriptor(STDIN_FILENO, "standard input");
 }
 
+// Files are read, not mapped: a mapped file that another program truncates ends the reader with
+// SIGBUS, while read() only ends early, which is noticed here.
 InputBytes InputBytes::fromDescriptor(int descriptor, const std::string &name) {
     struct stat status {};
     if (::fstat(descriptor, &status) != 0)
@@ -65,30 +82,19 @@ InputBytes InputBytes::fromDescriptor(int descriptor, const std::string &name) {
     if (S_ISDIR(status.st_mode))
         failReading(name, EISDIR);
 
+    // A regular file is read into a buffer of its size; pipes and terminals into one that grows.
+    const std::size_t expected = bytesLeftInFile(descriptor, status);
     InputBytes input;
-    // A regular file with a size is mapped whole; files that report no size (such as those under
-    // /proc) and pipes are read until their end instead.
-    if (S_ISREG(status.st_mode) && status.st_size > 0) {
-        off_t position = ::lseek(descriptor, 0, SEEK_CUR);
-        auto size = static_cast<std::size_t>(status.st_size);
-        if (position >= 0 && static_cast<std::size_t>(position) <= size) {
-            void *mapping = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, descriptor, 0);
-            if (mapping != MAP_FAILED) {
-                input.mapping_ = mapping;
-                input.mappingSize_ = size;
-                input.mappingStart_ = static_cast<std::size_t>(position);
-                return input;
-            }
-        }
-    }
-
-    std::string &buffer = input.buffer_;
-    std::size_t used = 0;
-    buffer.resize(firstReadSize);
+    std::size_t capacity = expected > 0 ? expected : firstReadSize;
+    input.bytes_ = std::make_unique_for_overwrite<char[]>(capacity);
+    // Once the buffer is full, a small read tells whether the end was reached without making the
+    // buffer larger for nothing.
+    char probe[16384];
     for (;;) {
-        if (used == buffer.size())
-            buffer.resize(buffer.size() * 2);
-        ssize_t count = ::read(descriptor, buffer.data() + used, buffer.size() - used);
+        const bool full = input.size_ == capacity;
+        char *target = full ? probe : input.bytes_.get() + input.size_;
+        const std::size_t room = full ? sizeof probe : capacity - input.size_;
+        ssize_t count = ::read(descriptor, target, room);
         if (count < 0) {
             if (errno == EINTR)
                 continue;
@@ -96,35 +102,30 @@ InputBytes InputBytes::fromDescriptor(int descriptor, const std::string &name) {
         }
         if (count == 0)
             break;
-        used += static_cast<std::size_t>(count);
+        if (full) {
+            capacity = std::max(capacity * 2, input.size_ + static_cast<std::size_t>(count));
+            auto larger = std::make_unique_for_overwrite<char[]>(capacity);
+            std::memcpy(larger.get(), input.bytes_.get(), input.size_);
+            input.bytes_ = std::move(larger);
+            std::memcpy(input.bytes_.get() + input.size_, probe, static_cast<std::size_t>(count));
+        }
+        input.size_ += static_cast<std::size_t>(count);
     }
-    buffer.resize(used);
+
+    // Less than the file held when it was opened: only an error if the file is shorter now. A
+    // file that merely reports more than it gives (as some under /sys do) is taken as read.
+    if (input.size_ < expected) {
+        struct stat now {};
+        if (::fstat(descriptor, &now) != 0)
+            failReading(name, errno);
+        if (now.st_size < status.st_size)
+            failReading(name, "the file was truncated while it was read");
+    }
     return input;
 }
 
-InputBytes::InputBytes(InputBytes &&other) noexcept
-    : mapping_(other.mapping_), mappingSize_(other.mappingSize_), mappingStart_(other.mappingStart_),
-      buffer_(std::move(other.buffer_)) {
-    other.mapping_ = nullptr;
-    other.mappingSize_ = 0;
-}
-
-InputBytes::~InputBytes() {
-    release();
-}
-
 std::string_view InputBytes::bytes() const {
-    if (mapping_)
-        return {static_cast<const char *>(mapping_) + mappingStart_, mappingSize_ - mappingStart_};
-    return buffer_;
-}
-
-void InputBytes::release() {
-    if (mapping_)
-        ::munmap(mapping_, mappingSize_);
-    mapping_ = nullptr;
-    mappingSize_ = 0;
-    std::string().swap(buffer_);
+    return {bytes_.get(), size_};
 }
 
 std::u16string decodeText(std::string_view bytes, std::string_view what) {
@@ -157,11 +158,31 @@ void writeStandardOutput(std::u16string_view text) {
     }
 }
 
-void writeDiagnostic(std::string_view message) {
-    std::string line = "glyphmill: ";
-    line += message;
-    line += '\n';
-    writeAll(STDERR_FILENO, line);
+void writeDiagnostic(std::string_view message) noexcept {
+    // Written without allocating: this may report that memory ran out.
+    constexpr std::string_view prefix = "glyphmill: ";
+    iovec parts[] = {{const_cast<char *>(prefix.data()), prefix.size()},
+                     {const_cast<char *>(message.data()), message.size()},
+                     {const_cast<char *>("\n"), 1}};
+    std::size_t total = prefix.size() + message.size() + 1;
+    // A short write on a pipe is finished from where it stopped.
+    ssize_t count;
+    do {
+        count = ::writev(STDERR_FILENO, parts, 3);
+    } while (count < 0 && errno == EINTR);
+    if (count < 0 || static_cast<std::size_t>(count) == total)
+        return;
+    std::size_t skipped = static_cast<std::size_t>(count);
+    for (const iovec &part : parts) {
+        std::string_view piece(static_cast<const char *>(part.iov_base), part.iov_len);
+        if (skipped >= piece.size()) {
+            skipped -= piece.size();
+            continue;
+        }
+        if (writeAll(STDERR_FILENO, piece.substr(skipped)) != 0)
+            return;
+        skipped = 0;
+    }
 }
 
 } // namespace glyphmill::cli

@@ -3,34 +3,32 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace glyphmill::cli {
 
-// The bytes of one input: a regular file is mapped, anything else (pipes, terminals) is read.
+// The bytes of one input, read whole: files, pipes and terminals alike.
 class InputBytes {
 public:
-    // Both throw Failure (unreadable input) naming the file and the system's reason.
+    // Both throw Failure (unreadable input) naming the file and the system's reason, or saying
+    // that the file was truncated while it was read.
     static InputBytes fromFile(const std::string &path);
     static InputBytes fromStandardInput();
 
-    InputBytes(InputBytes &&other) noexcept;
+    InputBytes(InputBytes &&) noexcept = default;
     InputBytes &operator=(InputBytes &&) = delete;
     InputBytes(const InputBytes &) = delete;
-    ~InputBytes();
 
     std::string_view bytes() const;
 
 private:
     InputBytes() = default;
-    void release();
     static InputBytes fromDescriptor(int descriptor, const std::string &name);
 
-    void *mapping_ = nullptr;
-    std::size_t mappingSize_ = 0;
-    std::size_t mappingStart_ = 0; // standard input may already be positioned inside the file
-    std::string buffer_;
+    std::unique_ptr<char[]> bytes_;
+    std::size_t size_ = 0;
 };
 
 // Strict UTF-8 to UTF-16. Throws Failure (invalid text), "WHAT is not valid UTF-8 at byte N".
@@ -43,7 +41,7 @@ void writeStandardOutput(std::string_view bytes);
 void writeStandardOutput(std::u16string_view text);
 
 // One line on standard error, "glyphmill: " first; a failure to write it is ignored, since
-// there is nowhere left to report it.
-void writeDiagnostic(std::string_view message);
+// there is nowhere left to report it. Allocates nothing.
+void writeDiagnostic(std::string_view message) noexcept;
 
 } // namespace glyphmill::cli

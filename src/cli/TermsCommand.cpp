@@ -36,7 +36,7 @@ ExitStatus runTerms(const TermsRequest &request) {
         break;
     }
     if (preferences.writeFailed())
-        fail(ExitStatus::cannotSavePreferences,
+        fail(ExitStatus::preferencesUnusable,
              "cannot save the protected terms to " + quoted(preferences.path()));
     return ExitStatus::success;
 }

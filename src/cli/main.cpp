@@ -7,9 +7,15 @@
 #include "cli/InputOutput.h"
 
 #include <malloc.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <new>
+#include <stdexcept>
 
 using namespace glyphmill::cli;
 
@@ -39,11 +45,36 @@ ExitStatus run(std::span<const char *const> arguments, char **argv) {
     return runTerms(std::get<TermsRequest>(invocation));
 }
 
+// The last resort for what cannot be thrown to main: an exception leaving a function that must
+// not throw, or memory so short that not even the exception could be made.
+[[noreturn]] void stopOnTerminate() {
+    // Threads that get here together: one reports, the others wait for the end.
+    static std::atomic<bool> stopping{false};
+    if (stopping.exchange(true))
+        for (;;)
+            ::pause();
+    bool outOfMemory = false;
+    if (auto current = std::current_exception()) {
+        try {
+            std::rethrow_exception(current);
+        } catch (const std::bad_alloc &) {
+            outOfMemory = true;
+        } catch (...) {
+        }
+    }
+    writeDiagnostic(outOfMemory ? "not enough memory for this text"
+                                : "internal error: the program could not go on");
+    std::_Exit(static_cast<int>(ExitStatus::internalError));
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
-    // A closed pipe must become a reported write error, not a silent death by signal.
+    std::set_terminate(stopOnTerminate);
+    // A closed pipe or an output file over the size limit must become a reported write error,
+    // not a silent death by signal.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     // Long texts pass through several buffers of their size in turn. Keeping freed memory in
     // the heap lets each new buffer reuse pages already mapped instead of faulting in fresh ones.
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
@@ -54,7 +85,18 @@ int main(int argc, char **argv) {
         writeDiagnostic(failure.message);
         return static_cast<int>(failure.status);
     } catch (const std::bad_alloc &) {
+        // On whichever thread memory ran out: the worker threads hand their failures back here.
         writeDiagnostic("not enough memory for this text");
-        return static_cast<int>(ExitStatus::outOfMemory);
+        return static_cast<int>(ExitStatus::internalError);
+    } catch (const std::length_error &) {
+        // A buffer larger than any the library can hold.
+        writeDiagnostic("not enough memory for this text");
+        return static_cast<int>(ExitStatus::internalError);
+    } catch (const std::exception &error) {
+        // Any other failure of the library: a message too, never std::terminate.
+        char message[512];
+        std::snprintf(message, sizeof message, "internal error: %s", error.what());
+        writeDiagnostic(message);
+        return static_cast<int>(ExitStatus::internalError);
     }
 }

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
+#include <iterator>
 #include <poll.h>
-#include <spawn.h>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -136,43 +136,57 @@ std::filesystem::path GlyphmillProcess::writeFile(const std::string &name,
 }
 
 ProcessResult GlyphmillProcess::run(const std::vector<std::string> &arguments,
-                                    const std::string &standardInput, OutputTarget outputTarget) const {
+                                    const std::string &standardInput, OutputTarget outputTarget,
+                                    const ChildLimits &limits) const {
     Pipe input, output, error;
     ::fcntl(input.writeEnd, F_SETFL, O_NONBLOCK);
-
-    posix_spawn_file_actions_t actions;
-    check(posix_spawn_file_actions_init(&actions), "file actions");
-    posix_spawn_file_actions_adddup2(&actions, input.readEnd, STDIN_FILENO);
-    if (outputTarget == OutputTarget::deviceFull)
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/full", O_WRONLY, 0);
-    else
-        posix_spawn_file_actions_adddup2(&actions, output.writeEnd, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, error.writeEnd, STDERR_FILENO);
-    posix_spawn_file_actions_addchdir_np(&actions, directory_.c_str());
-
-    // The child starts with the default SIGPIPE action, as it would from a shell.
-    posix_spawnattr_t attributes;
-    check(posix_spawnattr_init(&attributes), "spawn attributes");
-    sigset_t defaults;
-    sigemptyset(&defaults);
-    sigaddset(&defaults, SIGPIPE);
-    posix_spawnattr_setsigdefault(&attributes, &defaults);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-
     if (outputTarget != OutputTarget::capturedPipe)
         output.closeRead();
 
+    // Everything the child needs is made before the fork: between fork and exec it may only make
+    // calls that are safe in a copy of a program with other threads.
     std::vector<std::string> argumentStrings{GLYPHMILL_PROGRAM};
     argumentStrings.insert(argumentStrings.end(), arguments.begin(), arguments.end());
     auto argv = pointers(argumentStrings);
     auto environmentStrings = childEnvironment(directory_);
     auto envp = pointers(environmentStrings);
+    const std::string outputFile = (directory_ / "standard-output").string();
+    const char *outputPath = outputTarget == OutputTarget::deviceFull    ? "/dev/full"
+                             : outputTarget == OutputTarget::regularFile ? outputFile.c_str()
+                                                                         : nullptr;
 
-    pid_t child;
-    int spawned = posix_spawn(&child, GLYPHMILL_PROGRAM, &actions, &attributes, argv.data(), envp.data());
-    posix_spawn_file_actions_destroy(&actions);
-    posix_spawnattr_destroy(&attributes);
-    check(spawned, "posix_spawn");
+    const pid_t child = ::fork();
+    if (child < 0)
+        throw std::runtime_error(std::string("fork: ") + std::strerror(errno));
+    if (child == 0) {
+        ::dup2(input.readEnd, STDIN_FILENO);
+        if (outputPath) {
+            const int file = ::open(outputPath, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            if (file < 0 || ::dup2(file, STDOUT_FILENO) < 0)
+                ::_exit(127);
+            ::close(file);
+        } else {
+            ::dup2(output.writeEnd, STDOUT_FILENO);
+        }
+        ::dup2(error.writeEnd, STDERR_FILENO);
+        if (::chdir(directory_.c_str()) != 0)
+            ::_exit(127);
+        // The child starts with the default SIGPIPE action, as it would from a shell.
+        struct sigaction defaultAction {};
+        defaultAction.sa_handler = SIG_DFL;
+        ::sigaction(SIGPIPE, &defaultAction, nullptr);
+        const std::pair<int, std::optional<rlim_t>> wanted[] = {{RLIMIT_AS, limits.addressSpace},
+                                                                {RLIMIT_FSIZE, limits.fileSize}};
+        for (const auto &[resource, value] : wanted) {
+            if (!value)
+                continue;
+            const rlimit limit{*value, *value};
+            if (::setrlimit(resource, &limit) != 0)
+                ::_exit(127);
+        }
+        ::execve(GLYPHMILL_PROGRAM, argv.data(), envp.data());
+        ::_exit(127);
+    }
     input.closeRead();
     output.closeWrite();
     error.closeWrite();
@@ -184,6 +198,10 @@ ProcessResult GlyphmillProcess::run(const std::vector<std::string> &arguments,
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     result.exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    if (outputTarget == OutputTarget::regularFile) {
+        std::ifstream written(outputFile, std::ios::binary);
+        result.standardOutput.assign(std::istreambuf_iterator<char>(written), {});
+    }
     return result;
 }
 

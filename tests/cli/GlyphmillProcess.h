@@ -3,7 +3,9 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <sys/resource.h>
 #include <vector>
 
 namespace glyphmill::testing {
@@ -14,8 +16,15 @@ struct ProcessResult {
     std::string standardError;
 };
 
-// What the child's standard output is connected to.
-enum class OutputTarget { capturedPipe, pipeWithReaderClosed, deviceFull };
+// What the child's standard output is connected to. A regular file is read back into
+// standardOutput once the child has ended.
+enum class OutputTarget { capturedPipe, pipeWithReaderClosed, deviceFull, regularFile };
+
+// Resource limits the child starts with; none leaves the limit as the test program has it.
+struct ChildLimits {
+    std::optional<rlim_t> addressSpace = std::nullopt; // RLIMIT_AS, bytes
+    std::optional<rlim_t> fileSize = std::nullopt;     // RLIMIT_FSIZE, bytes
+};
 
 class GlyphmillProcess {
 public:
@@ -23,7 +32,7 @@ public:
     ~GlyphmillProcess(); // removes it again
 
     ProcessResult run(const std::vector<std::string> &arguments, const std::string &standardInput = {},
-                      OutputTarget output = OutputTarget::capturedPipe) const;
+                      OutputTarget output = OutputTarget::capturedPipe, const ChildLimits &limits = {}) const;
 
     const std::filesystem::path &directory() const { return directory_; } // also the working directory
     std::filesystem::path configHome() const { return directory_ / "config"; }
