@@ -1,4 +1,6 @@
-// How a chord is shown to the user: modifier glyphs followed by the key's name.
+// How a chord is shown to the user, the way Linux desktops write key combinations: the
+// modifiers' names, then the key's, joined by "+" ("Shift+Super+T"). Command is the Super key
+// and Option the Alt key on a PC keyboard.
 #include "settings/KeyboardShortcut.h"
 
 #include <utility>
@@ -14,21 +16,21 @@ constexpr std::u16string_view characterKeys = u"ASDFHGZXCV BQWERYT123465=97-80]O
 static_assert(characterKeys.size() == 51);
 
 constexpr std::pair<std::uint32_t, std::u16string_view> namedKeys[] = {
-    {36, u"\u21a9"},  // ↩ Return
-    {48, u"\u21e5"},  // ⇥ Tab
-    {49, u"Space"},   // Space bar
-    {51, u"\u232b"},  // ⌫ Delete
-    {53, u"\u238b"},  // ⎋ Escape
-    {76, u"\u2324"},  // ⌤ keypad Enter
-    {115, u"\u2196"}, // ↖ Home
-    {116, u"\u21de"}, // ⇞ Page Up
-    {117, u"\u2326"}, // ⌦ Forward Delete
-    {119, u"\u2198"}, // ↘ End
-    {121, u"\u21df"}, // ⇟ Page Down
-    {123, u"\u2190"}, // ← Left Arrow
-    {124, u"\u2192"}, // → Right Arrow
-    {125, u"\u2193"}, // ↓ Down Arrow
-    {126, u"\u2191"}, // ↑ Up Arrow
+    {36, u"Return"},
+    {48, u"Tab"},
+    {49, u"Space"},
+    {51, u"Backspace"}, // the Mac's Delete key
+    {53, u"Esc"},
+    {76, u"Enter"}, // keypad Enter
+    {115, u"Home"},
+    {116, u"Page Up"},
+    {117, u"Delete"}, // the Mac's Forward Delete key
+    {119, u"End"},
+    {121, u"Page Down"},
+    {123, u"Left"},
+    {124, u"Right"},
+    {125, u"Down"},
+    {126, u"Up"},
     // Function keys: their codes follow no order.
     {122, u"F1"},
     {120, u"F2"},
@@ -59,17 +61,17 @@ std::u16string keyName(std::uint32_t keyCode) {
 }
 
 std::u16string displayString(const KeyboardShortcutChord &chord) {
-    // Always Control, Option, Shift, Command, whatever order the keys were pressed in.
-    constexpr std::pair<std::uint32_t, char16_t> modifierGlyphs[] = {
-        {carbonModifier::control, u'\u2303'}, // ⌃
-        {carbonModifier::option, u'\u2325'},  // ⌥
-        {carbonModifier::shift, u'\u21e7'},   // ⇧
-        {carbonModifier::command, u'\u2318'}, // ⌘
+    // Always Ctrl, Alt, Shift, Super, whatever order the keys were pressed in.
+    constexpr std::pair<std::uint32_t, std::u16string_view> modifierNames[] = {
+        {carbonModifier::control, u"Ctrl"},
+        {carbonModifier::option, u"Alt"},
+        {carbonModifier::shift, u"Shift"},
+        {carbonModifier::command, u"Super"},
     };
     std::u16string shown;
-    for (const auto &[bit, glyph] : modifierGlyphs)
+    for (const auto &[bit, name] : modifierNames)
         if (chord.carbonModifiers & bit)
-            shown.push_back(glyph);
+            shown.append(name).push_back(u'+');
     return shown + keyName(chord.keyCode);
 }
 

@@ -59,9 +59,9 @@ struct KeyboardShortcutChord {
 
 KeyboardShortcutChord defaultChord(KeyboardShortcutID id);
 
-// Modifier glyphs in the fixed order Control, Option, Shift, Command, then the key name.
+// "Ctrl+Alt+Shift+Super+" (the modifiers held, in that order), then the key name.
 std::u16string displayString(const KeyboardShortcutChord &chord);
-// The key's US-layout character in upper case, a fixed key name or glyph, else "Key" + code.
+// The key's US-layout character in upper case, a fixed key name, else "Key" + code.
 std::u16string keyName(std::uint32_t keyCode);
 
 // Unknown bits (Caps Lock, Function, numeric pad, help) are dropped.

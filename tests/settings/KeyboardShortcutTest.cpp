@@ -26,25 +26,25 @@ TEST(KeyboardShortcutTest, EachActionHasItsRawValueKeyAndDefaultChordInOrder) {
                                   "palette",
                                   "shortcut.palette",
                                   {17, 0x1900},
-                                  u"⌃⌥⌘T",
+                                  u"Ctrl+Alt+Super+T",
                                   R"({"keyCode":17,"carbonModifiers":6400})"},
                                  {KeyboardShortcutID::titleCase,
                                   "titleCase",
                                   "shortcut.titleCase",
                                   {17, 0x0300},
-                                  u"⇧⌘T",
+                                  u"Shift+Super+T",
                                   R"({"keyCode":17,"carbonModifiers":768})"},
                                  {KeyboardShortcutID::screenCapture,
                                   "screenCapture",
                                   "shortcut.screenCapture",
                                   {19, 0x0300},
-                                  u"⇧⌘2",
+                                  u"Shift+Super+2",
                                   R"({"keyCode":19,"carbonModifiers":768})"},
                                  {KeyboardShortcutID::pastePlainText,
                                   "pastePlainText",
                                   "shortcut.pastePlainText",
                                   {9, 0x0B00},
-                                  u"⌥⇧⌘V",
+                                  u"Alt+Shift+Super+V",
                                   R"({"keyCode":9,"carbonModifiers":2816})"}};
     ASSERT_EQ(allKeyboardShortcutIDs.size(), std::size(expected));
     for (std::size_t i = 0; i < std::size(expected); ++i) {
@@ -66,41 +66,41 @@ TEST(KeyboardShortcutTest, RawValuesMustMatchExactly) {
         EXPECT_EQ(keyboardShortcutIDFromRawValue(raw), std::nullopt) << '"' << raw << '"';
 }
 
-TEST(KeyboardShortcutTest, ModifierGlyphsAlwaysComeControlOptionShiftCommand) {
+TEST(KeyboardShortcutTest, ModifiersAlwaysComeCtrlAltShiftSuper) {
     // Every combination of the four modifiers, on the A key (code 0).
     const std::pair<std::uint32_t, std::u16string_view> cases[] = {
         {0, u"A"},
-        {mod::control, u"\u2303A"},
-        {mod::option, u"\u2325A"},
-        {mod::shift, u"\u21e7A"},
-        {mod::command, u"\u2318A"},
-        {mod::command | mod::control, u"⌃⌘A"},
-        {mod::command | mod::option, u"⌥⌘A"},
-        {mod::command | mod::shift, u"⇧⌘A"},
-        {mod::shift | mod::control, u"⌃⇧A"},
-        {mod::shift | mod::option, u"⌥⇧A"},
-        {mod::option | mod::control, u"⌃⌥A"},
-        {mod::command | mod::shift | mod::option, u"⌥⇧⌘A"},
-        {mod::command | mod::shift | mod::control, u"⌃⇧⌘A"},
-        {mod::command | mod::option | mod::control, u"⌃⌥⌘A"},
-        {mod::shift | mod::option | mod::control, u"⌃⌥⇧A"},
-        {mod::command | mod::shift | mod::option | mod::control, u"⌃⌥⇧⌘A"},
-        {0x0400 | 0x0001 | mod::command, u"⌘A"}, // Caps Lock and other Carbon bits show nothing
+        {mod::control, u"Ctrl+A"},
+        {mod::option, u"Alt+A"},
+        {mod::shift, u"Shift+A"},
+        {mod::command, u"Super+A"},
+        {mod::command | mod::control, u"Ctrl+Super+A"},
+        {mod::command | mod::option, u"Alt+Super+A"},
+        {mod::command | mod::shift, u"Shift+Super+A"},
+        {mod::shift | mod::control, u"Ctrl+Shift+A"},
+        {mod::shift | mod::option, u"Alt+Shift+A"},
+        {mod::option | mod::control, u"Ctrl+Alt+A"},
+        {mod::command | mod::shift | mod::option, u"Alt+Shift+Super+A"},
+        {mod::command | mod::shift | mod::control, u"Ctrl+Shift+Super+A"},
+        {mod::command | mod::option | mod::control, u"Ctrl+Alt+Super+A"},
+        {mod::shift | mod::option | mod::control, u"Ctrl+Alt+Shift+A"},
+        {mod::command | mod::shift | mod::option | mod::control, u"Ctrl+Alt+Shift+Super+A"},
+        {0x0400 | 0x0001 | mod::command, u"Super+A"}, // Caps Lock and other Carbon bits show nothing
     };
     for (const auto &[modifiers, shown] : cases)
         EXPECT_EQ(displayString({0, modifiers}), shown) << std::hex << modifiers;
 }
 
 TEST(KeyboardShortcutTest, NamedAndUnnamedKeys) {
-    EXPECT_EQ(displayString({49, mod::command}), u"⌘Space");
-    EXPECT_EQ(displayString({105, mod::control}), u"⌃Key105");
-    EXPECT_EQ(displayString({122, mod::shift | mod::option}), u"⌥⇧F1");
+    EXPECT_EQ(displayString({49, mod::command}), u"Super+Space");
+    EXPECT_EQ(displayString({105, mod::control}), u"Ctrl+Key105");
+    EXPECT_EQ(displayString({122, mod::shift | mod::option}), u"Alt+Shift+F1");
     // clang-format off
     const std::pair<std::uint32_t, std::u16string_view> names[] = {
-        {36, u"↩"},    {48, u"⇥"},    {51, u"⌫"},   {53, u"⎋"},   {76, u"⌤"},   {115, u"↖"},
-        {116, u"⇞"},   {117, u"⌦"},   {119, u"↘"},  {121, u"⇟"},  {123, u"←"},  {124, u"→"},
-        {125, u"↓"},   {126, u"↑"},   {122, u"F1"}, {120, u"F2"}, {99, u"F3"},  {118, u"F4"},
-        {96, u"F5"},   {97, u"F6"},   {98, u"F7"},  {100, u"F8"}, {101, u"F9"}, {109, u"F10"},
+        {36, u"Return"}, {48, u"Tab"}, {51, u"Backspace"}, {53, u"Esc"}, {76, u"Enter"}, {115, u"Home"},
+        {116, u"Page Up"}, {117, u"Delete"}, {119, u"End"}, {121, u"Page Down"}, {123, u"Left"},
+        {124, u"Right"}, {125, u"Down"}, {126, u"Up"}, {122, u"F1"}, {120, u"F2"}, {99, u"F3"},
+        {118, u"F4"}, {96, u"F5"}, {97, u"F6"}, {98, u"F7"}, {100, u"F8"}, {101, u"F9"}, {109, u"F10"},
         {103, u"F11"}, {111, u"F12"}, {10, u"Key10"}, {127, u"Key127"}, {0xFFFFFFFF, u"Key4294967295"}};
     // clang-format on
     for (const auto &[code, name] : names)
@@ -109,10 +109,10 @@ TEST(KeyboardShortcutTest, NamedAndUnnamedKeys) {
 
 TEST(KeyboardShortcutTest, CharacterKeysFollowTheUsAnsiLayout) {
     const std::u16string_view byCode[] = {
-        u"A", u"S", u"D", u"F",  u"H", u"G", u"Z", u"X", u"C", u"V", u"Key10", u"B", u"Q",
-        u"W", u"E", u"R", u"Y",  u"T", u"1", u"2", u"3", u"4", u"6", u"5",     u"=", u"9",
-        u"7", u"-", u"8", u"0",  u"]", u"O", u"U", u"[", u"I", u"P", u"↩",     u"L", u"J",
-        u"'", u"K", u";", u"\\", u",", u"/", u"N", u"M", u".", u"⇥", u"Space", u"`"};
+        u"A", u"S", u"D", u"F",  u"H", u"G", u"Z", u"X", u"C", u"V",   u"Key10",  u"B", u"Q",
+        u"W", u"E", u"R", u"Y",  u"T", u"1", u"2", u"3", u"4", u"6",   u"5",      u"=", u"9",
+        u"7", u"-", u"8", u"0",  u"]", u"O", u"U", u"[", u"I", u"P",   u"Return", u"L", u"J",
+        u"'", u"K", u";", u"\\", u",", u"/", u"N", u"M", u".", u"Tab", u"Space",  u"`"};
     for (std::uint32_t code = 0; code < std::size(byCode); ++code)
         EXPECT_EQ(keyName(code), byCode[code]) << code << " gave " << utf8::encode(keyName(code));
 }
