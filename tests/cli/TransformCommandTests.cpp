@@ -75,6 +75,26 @@ TEST_F(TransformCommand, LargeInputsComeBackWhole) {
     EXPECT_EQ(transformed({"uppercase", "--no-terms"}, "a" + emoji), "A" + emoji);
 }
 
+TEST_F(TransformCommand, ProtectedTextComesBackWhateverItsCountOrWhatTheTextHolds) {
+    // More addresses than term numbers start from: none may come back as the term.
+    std::string addresses = "iPhone ";
+    for (int k = 0; k < 10001; ++k)
+        addresses += "a@b.org ";
+    EXPECT_EQ(transformed({"smart-case", "--defaults"}, addresses), addresses);
+
+    // U+E000, digits and U+E001 in the text are the text's own.
+    const std::string own = "\xEE\x80\x80"
+                            "0"
+                            "\xEE\x80\x81",
+                      ownTerm = "\xEE\x80\x80"
+                                "10000"
+                                "\xEE\x80\x81";
+    EXPECT_EQ(transformed({"lowercase", "--defaults", "--text", "KEEP " + own + " AND mail@example.com"}),
+              "keep " + own + " and mail@example.com");
+    EXPECT_EQ(transformed({"smart-case", "--defaults", "--text", "IPHONE " + ownTerm + " and " + own}),
+              "iPhone " + ownTerm + " And " + own); // the term passes the sentence's capital on
+}
+
 TEST_F(TransformCommand, TermsComeFromTheUsersListUnlessTheCommandLineNamesThem) {
     auto lowercase = [&](std::vector<std::string> extra) {
         extra.insert(extra.begin(), {"lowercase", "--text", "NEW IPHONE FOR MACOS"});
