@@ -61,8 +61,8 @@ std::optional<std::u16string> transformInRunningInstance(TextTransformKind kind,
                           static_cast<std::size_t>(result.size()));
 }
 
-std::u16string transformHere(TextTransformKind kind, const std::u16string &text) {
-    JsonFilePreferenceStore preferences;
+std::u16string transformHere(TextTransformKind kind, const std::u16string &text,
+                             PreferenceStore &preferences) {
     return TextTransformer{ProtectedTermsStore(preferences).terms(), readTextProtectionOptions(preferences)}
         .apply(kind, text);
 }
@@ -83,7 +83,16 @@ int runServiceFilter(TextTransformKind kind) {
     std::string output = *input;
     if (!blank) {
         std::optional<std::u16string> result = transformInRunningInstance(kind, text);
-        output = utf8::encode(result ? *result : transformHere(kind, text));
+        if (!result) {
+            JsonFilePreferenceStore preferences;
+            // The defaults in their place would give a result the user did not choose.
+            if (auto failure = preferences.readFailure())
+                return report(ExitStatus::preferencesUnusable, "cannot read the preference file " +
+                                                                   cli::quoted(failure->file) + ": " +
+                                                                   failure->reason);
+            result = transformHere(kind, text, preferences);
+        }
+        output = utf8::encode(*result);
     }
     if (!writeStandardOutput(output))
         return report(ExitStatus::cannotWriteOutput,

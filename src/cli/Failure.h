@@ -16,7 +16,7 @@ enum class ExitStatus : int {
     unreadableInput = 66,
     unavailable = 69,
     internalError = 71,       // out of memory, or another failure inside the program
-    preferencesUnusable = 73, // a change to the preferences could not be saved
+    preferencesUnusable = 73, // the preference file could not be read, or a change not saved
     cannotWriteOutput = 74,
 };
 

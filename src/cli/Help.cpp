@@ -44,8 +44,9 @@ Options:
 Exit status: 0 done, 64 wrong usage, 65 text that is not valid UTF-8 (or a
 refused delimiter, pattern, HTML or RTF document), 66 input that cannot be
 read (or a file truncated while read), 69 Glyphmill application not
-available, 71 out of memory or another internal error, 73 preferences that
-cannot be saved, 74 output that cannot be written.
+available, 71 out of memory or another internal error, 73 a preference file
+that cannot be read or preferences that cannot be saved, 74 output that cannot
+be written.
 )";
 
 constexpr std::string_view applicationHelp =
@@ -109,7 +110,8 @@ terms and switches. White space around the text is kept.
 Kinds: smart-case, title-case, uppercase, lowercase, capitalize-words.
 
 Exit status: 0 transformed, 1 blank input (written back unchanged), 64 wrong
-usage, 65 input that is not valid UTF-8, 74 output that cannot be written.
+usage, 65 input that is not valid UTF-8, 73 a preference file that cannot be
+read, 74 output that cannot be written.
 )";
 
 constexpr std::string_view transformHelpStart =

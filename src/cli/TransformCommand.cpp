@@ -37,10 +37,8 @@ std::u16string readText(const TransformRequest &request) {
 } // namespace
 
 ExitStatus runTransform(const TransformRequest &request) {
-    // Arguments are checked before a possibly long input is read.
+    // Arguments and preferences are checked before a possibly long input is read.
     auto terms = termsFromArguments(request);
-    std::u16string text = readText(request);
-
     UserPreferences preferences;
     if (!terms)
         terms = ProtectedTermsStore(preferences.store()).terms();
@@ -48,6 +46,8 @@ ExitStatus runTransform(const TransformRequest &request) {
         request.ignorePreferences ? allProtectionSwitchesOn() : protectionOptionsFromPreferences(preferences);
     for (const auto &override : request.optionOverrides)
         options.*override.field = override.value;
+
+    std::u16string text = readText(request);
 
     std::u16string result = TextTransformer{std::move(*terms), options}.apply(request.kind, text);
     std::u16string().swap(text);

@@ -38,8 +38,12 @@ UserPreferences::~UserPreferences() = default;
 PreferenceStore &UserPreferences::store() {
     if (!checked_) {
         file_ = std::make_unique<JsonFilePreferenceStore>();
+        // Going on with the defaults would give results the user did not choose.
+        if (auto failure = file_->readFailure())
+            fail(ExitStatus::preferencesUnusable,
+                 "cannot read the preference file " + quoted(failure->file) + ": " + failure->reason);
         if (const auto &setAside = file_->setAsidePath())
-            writeDiagnostic("warning: the preference file could not be read; it was moved to " +
+            writeDiagnostic("warning: the preference file held no valid preferences; it was moved to " +
                             quoted(*setAside) + " and the defaults are used");
         checked_ = std::make_unique<WriteCheckingStore>(*file_);
     }

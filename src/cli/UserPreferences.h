@@ -17,8 +17,9 @@ public:
     UserPreferences(const UserPreferences &) = delete;
     UserPreferences &operator=(const UserPreferences &) = delete;
 
-    // Opens the file on first use. If it could not be read and was set aside, a warning saying
-    // where it went is printed, and the command carries on with empty preferences.
+    // Opens the file on first use. A file that does not parse is set aside with a warning saying
+    // where it went, and the command carries on with empty preferences. A file that cannot be
+    // read throws Failure (preferences unusable) naming it and the reason.
     PreferenceStore &store();
 
     // True once any write through store() was refused; the file then still holds what it had.

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace glyphmill {
 
@@ -20,12 +21,16 @@ public:
     void storeFromElsewhere(std::string_view key, const std::optional<PreferenceValue> &value);
 
     void setFailsWrites(bool failsWrites) { failsWrites_ = failsWrites; }
+    // As if the stored preferences could not be read; none clears it. Writes are refused meanwhile.
+    void setReadFailure(std::optional<PreferenceReadFailure> failure) { readFailure_ = std::move(failure); }
+    std::optional<PreferenceReadFailure> readFailure() const override { return readFailure_; }
     // Accepted calls of setValue and removeValue.
     int writeCount() const { return writeCount_; }
 
 private:
     std::map<std::string, PreferenceValue, std::less<>> values_;
     bool failsWrites_ = false;
+    std::optional<PreferenceReadFailure> readFailure_;
     int writeCount_ = 0;
 };
 

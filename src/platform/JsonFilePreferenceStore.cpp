@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <pwd.h>
@@ -195,16 +196,28 @@ enum class FileState { missing, read, unreadable };
 struct FileBytes {
     FileState state;
     std::string bytes;
+    std::string failure; // why an unreadable file could not be read
 };
+
+FileBytes unreadable(std::string reason) {
+    return {FileState::unreadable, {}, std::move(reason)};
+}
 
 FileBytes readWholeFile(const std::string &path) {
     // Non-blocking so that a FIFO in the file's place cannot hang the program.
     FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    // A file in the place of a folder on the way means there are no preferences either.
+    if (!file.valid() && (errno == ENOENT || errno == ENOTDIR))
+        return {FileState::missing, {}, {}};
     if (!file.valid())
-        return {errno == ENOENT ? FileState::missing : FileState::unreadable, {}};
+        return unreadable(std::strerror(errno));
     struct stat info {};
-    if (::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))
-        return {FileState::unreadable, {}};
+    if (::fstat(file.get(), &info) != 0)
+        return unreadable(std::strerror(errno));
+    if (S_ISDIR(info.st_mode))
+        return unreadable(std::strerror(EISDIR));
+    if (!S_ISREG(info.st_mode))
+        return unreadable("not a regular file");
     std::string bytes;
     char buffer[16384];
     for (;;) {
@@ -214,10 +227,12 @@ FileBytes readWholeFile(const std::string &path) {
         else if (count == 0)
             break;
         else if (errno != EINTR)
-            return {FileState::unreadable, {}};
+            return unreadable(std::strerror(errno));
     }
-    return {FileState::read, std::move(bytes)};
+    return {FileState::read, std::move(bytes), {}};
 }
+
+constexpr const char *cannotSetAside = "it holds no valid preferences and could not be moved aside";
 
 bool writeAll(int fd, std::string_view text) {
     while (!text.empty()) {
@@ -337,18 +352,25 @@ struct LoadedFile {
 };
 
 // Reads the file while the caller holds the lock; a file that is not a JSON object is moved
-// aside and the store goes on from empty. None when the file can be neither read nor moved.
-std::optional<LoadedFile> loadLocked(const std::string &path, std::optional<std::string> &setAsidePath) {
+// aside and the store goes on from empty. None when the file can be neither read nor moved,
+// with the reason in failure.
+std::optional<LoadedFile> loadLocked(const std::string &path, std::optional<std::string> &setAsidePath,
+                                     std::optional<std::string> &failure) {
     FileBytes file = readWholeFile(path);
-    if (file.state == FileState::unreadable)
+    failure.reset();
+    if (file.state == FileState::unreadable) {
+        failure = std::move(file.failure);
         return std::nullopt;
+    }
     if (file.state == FileState::missing)
         return LoadedFile{Json::object(), false};
     if (auto object = parseObject(file.bytes))
         return LoadedFile{std::move(*object), true};
     auto aside = moveAside(path);
-    if (!aside)
+    if (!aside) {
+        failure = cannotSetAside;
         return std::nullopt;
+    }
     setAsidePath = std::move(aside);
     return LoadedFile{Json::object(), false};
 }
@@ -382,6 +404,8 @@ JsonFilePreferenceStore::JsonFilePreferenceStore(std::string path)
     // A missing file is an empty store; an unreadable one leaves the store empty and every
     // write failing, so the file is never replaced unseen.
     FileBytes file = readWholeFile(path_);
+    if (file.state == FileState::unreadable)
+        readFailure_ = std::move(file.failure);
     if (file.state != FileState::read)
         return;
     if (auto object = parseObject(file.bytes)) {
@@ -390,13 +414,21 @@ JsonFilePreferenceStore::JsonFilePreferenceStore(std::string path)
     }
     // Set a bad file aside at once, so the user can be told now rather than at the first write.
     FileDescriptor lock = lockBeside(path_);
-    if (!lock.valid())
+    if (!lock.valid()) {
+        readFailure_ = cannotSetAside;
         return;
-    if (auto loaded = loadLocked(path_, setAsidePath_))
+    }
+    if (auto loaded = loadLocked(path_, setAsidePath_, readFailure_))
         entries_->object = std::move(loaded->object);
 }
 
 JsonFilePreferenceStore::~JsonFilePreferenceStore() = default;
+
+std::optional<PreferenceReadFailure> JsonFilePreferenceStore::readFailure() const {
+    if (!readFailure_)
+        return std::nullopt;
+    return PreferenceReadFailure{path_, *readFailure_};
+}
 
 std::optional<PreferenceValue> JsonFilePreferenceStore::value(std::string_view key) const {
     auto found = entries_->object.find(key);
@@ -433,8 +465,11 @@ bool JsonFilePreferenceStore::updateValue(std::string_view key, const Preference
 void JsonFilePreferenceStore::reload() {
     // No lock: writers replace the file by renaming, so a read sees one whole version.
     FileBytes file = readWholeFile(path_);
-    if (file.state == FileState::unreadable)
+    if (file.state == FileState::unreadable) {
+        readFailure_ = std::move(file.failure);
         return;
+    }
+    readFailure_.reset();
     Json object = Json::object();
     if (file.state == FileState::read) {
         auto parsed = parseObject(file.bytes);
@@ -459,7 +494,7 @@ bool JsonFilePreferenceStore::rewrite(std::string_view key, const std::function<
     FileDescriptor lock = lockBeside(path_);
     if (!lock.valid())
         return false;
-    auto loaded = loadLocked(path_, setAsidePath_);
+    auto loaded = loadLocked(path_, setAsidePath_, readFailure_);
     if (!loaded)
         return false;
 

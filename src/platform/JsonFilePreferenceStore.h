@@ -30,6 +30,10 @@ public:
     bool updateValue(std::string_view key, const PreferenceUpdate &update) override;
     // A file that cannot be read or parsed now is left for the next write to deal with.
     void reload() override;
+    // As of the last read of the file (at opening, a reload or a write). A missing file, or one
+    // in the place of a folder on the way, is no failure: there are no preferences yet. Neither
+    // is one that does not parse once it is set aside (see setAsidePath).
+    std::optional<PreferenceReadFailure> readFailure() const override;
 
     // Creates the file's folder (private to the user) if it is missing, so it can be watched.
     bool createDirectory() const;
@@ -47,6 +51,7 @@ private:
     std::string path_;
     std::unique_ptr<Entries> entries_;
     std::optional<std::string> setAsidePath_;
+    std::optional<std::string> readFailure_; // the reason, when the file could not be read
     // Set when a write took in keys another program had changed: reload must still announce them.
     bool unannouncedChanges_ = false;
 };

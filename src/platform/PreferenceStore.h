@@ -20,9 +20,21 @@ using PreferenceValue = std::variant<bool, std::u16string, std::vector<std::u16s
 using PreferenceUpdate =
     std::function<std::optional<PreferenceValue>(const std::optional<PreferenceValue> &stored)>;
 
+// Why the stored preferences could not be read (they are not merely absent, nor content that
+// does not parse and was set aside): the file, and the reason, such as "Permission denied".
+struct PreferenceReadFailure {
+    std::string file;
+    std::string reason;
+};
+
 class PreferenceStore {
 public:
     virtual ~PreferenceStore() = default;
+
+    // Set while the stored preferences could not be read; the user should be told. The store
+    // answers with what it last read (nothing at first, so callers see their defaults) and
+    // refuses every write, so what is stored is never replaced by values not read from it.
+    virtual std::optional<PreferenceReadFailure> readFailure() const { return std::nullopt; }
 
     virtual std::optional<PreferenceValue> value(std::string_view key) const = 0;
     // False when the value could not be stored; the store then keeps what it had.

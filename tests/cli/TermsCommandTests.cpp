@@ -96,6 +96,44 @@ TEST_F(TermsCommand, PreferencesThatCannotBeSavedAreReported) {
     EXPECT_NE(result.standardError.rfind("glyphmill: cannot save the protected terms"), std::string::npos);
 }
 
+TEST_F(TermsCommand, PreferenceFileThatCannotBeReadIsReportedAndLeftAsItIs) {
+    // A folder in the file's place cannot be read, not even by root.
+    std::filesystem::create_directories(glyphmill.preferenceFile() / "inside");
+    const std::string message = "glyphmill: cannot read the preference file \"" +
+                                glyphmill.preferenceFile().string() + "\": Is a directory\n";
+    const std::vector<std::string> commands[] = {
+        {"terms", "list"},
+        {"terms", "add", "Kubernetes"},
+        {"terms", "restore-defaults"},
+        // The switches come from the file too, whatever the terms.
+        {"transform", "uppercase", "--text", "abc"},
+        {"transform", "uppercase", "--no-terms", "--text", "abc"},
+    };
+    for (const auto &command : commands) {
+        SCOPED_TRACE(command[1]);
+        ProcessResult result = glyphmill.run(command);
+        EXPECT_EQ(result.exitStatus, 73);
+        EXPECT_EQ(result.standardOutput, "");
+        EXPECT_EQ(result.standardError, message);
+    }
+    EXPECT_TRUE(std::filesystem::is_directory(glyphmill.preferenceFile() / "inside"));
+
+    ProcessResult defaults = glyphmill.run({"transform", "uppercase", "--defaults", "--text", "abc"});
+    EXPECT_EQ(defaults.exitStatus, 0);
+    EXPECT_EQ(defaults.standardOutput, "ABC");
+}
+
+TEST_F(TermsCommand, TemporaryLeftByAKilledWriterIsClearedByTheNextChange) {
+    glyphmill.writeFile("config/glyphmill/preferences.json.tmp-k1LLed", "{\"protectedTerms\": [\"ha");
+    runQuietly({"terms", "add", "Kubernetes"});
+    std::vector<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(glyphmill.configHome() / "glyphmill"))
+        names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"preferences.json", "preferences.json.lock"}));
+    EXPECT_EQ(listing(), builtInListing + "Kubernetes\n");
+}
+
 // Runs every command at once, each in its own process, and waits for them all.
 std::vector<ProcessResult> runTogether(const GlyphmillProcess &glyphmill,
                                        const std::vector<std::vector<std::string>> &commands) {

@@ -424,12 +424,65 @@ TEST_F(JsonFilePreferenceStoreTest, WriteCutShortKeepsTheOldFile) {
     EXPECT_EQ(namesIn(directory_), (std::vector<std::string>{"preferences.json", "preferences.json.lock"}));
 }
 
-TEST_F(JsonFilePreferenceStoreTest, PathThatIsNotAFileFailsWritesAndIsLeftAlone) {
+TEST_F(JsonFilePreferenceStoreTest, PathThatIsNotAFileIsReportedFailsWritesAndIsLeftAlone) {
     fs::create_directories(path_ + "/inside");
     JsonFilePreferenceStore store(path_);
+    ASSERT_TRUE(store.readFailure());
+    EXPECT_EQ(store.readFailure()->file, path_);
+    EXPECT_EQ(store.readFailure()->reason, "Is a directory");
     EXPECT_FALSE(store.setValue("key", true));
     EXPECT_FALSE(store.setAsidePath());
     EXPECT_TRUE(fs::is_directory(path_ + "/inside"));
+    fs::remove_all(path_);
+
+    // Until what is there can be read: a reload or a write takes it in and clears the failure.
+    ASSERT_EQ(::mkfifo(path_.c_str(), 0600), 0);
+    JsonFilePreferenceStore fifo(path_);
+    ASSERT_TRUE(fifo.readFailure());
+    EXPECT_EQ(fifo.readFailure()->reason, "not a regular file");
+    EXPECT_FALSE(fifo.setValue("key", true));
+    EXPECT_EQ(fs::status(path_).type(), fs::file_type::fifo);
+    fs::remove(path_);
+    writeFile(path_, R"({"kept": true})");
+    fifo.reload();
+    EXPECT_FALSE(fifo.readFailure());
+    EXPECT_EQ(fifo.boolValue("kept"), true);
+    EXPECT_TRUE(fifo.setValue("key", true));
+
+    // A file where a folder on the way should be: there are no preferences yet, nothing failed.
+    writeFile(root_ + "/plain", "not a folder");
+    EXPECT_FALSE(JsonFilePreferenceStore(root_ + "/plain/preferences.json").readFailure());
+    EXPECT_FALSE(JsonFilePreferenceStore(root_ + "/missing/preferences.json").readFailure());
+}
+
+// Run as another user when the test runs as root, for whom permission bits do not bind. The
+// folder and the lock are open to that user, so only reading the file itself is refused.
+TEST_F(JsonFilePreferenceStoreTest, FileWithoutReadPermissionIsReportedAndNeverReplaced) {
+    ASSERT_TRUE(JsonFilePreferenceStore(path_).setValue("kept", u"mine"));
+    const std::string before = readFile(path_);
+    for (const std::string &folder : {root_, root_ + "/config", directory_})
+        ::chmod(folder.c_str(), 0777);
+    ::chmod((path_ + ".lock").c_str(), 0666);
+    ::chmod(path_.c_str(), 0);
+
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        if (::getuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0))
+            ::_exit(2);
+        JsonFilePreferenceStore store(path_);
+        const auto failure = store.readFailure();
+        const bool reported = failure && failure->file == path_ && failure->reason == "Permission denied";
+        const bool refused =
+            reported && !store.value("kept") && !store.setValue("kept", u"default") && store.readFailure();
+        ::_exit(reported && refused ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0) << "1: not reported or not refused; 2: cannot become another user";
+    ::chmod(path_.c_str(), 0600);
+    EXPECT_EQ(readFile(path_), before);
 }
 
 TEST_F(JsonFilePreferenceStoreTest, ReadOnlyDirectoryFailsWritesAndKeepsTheFile) {
