@@ -6,13 +6,29 @@
 #include "clipboard/ClipboardManager.h"
 #include "clipboard/ClipboardMonitor.h"
 #include "clipboard/LineToolCommands.h"
+#include "platform/Dialogs.h"
 #include "platform/PlatformServices.h"
+#include "platform/PreferenceStore.h"
 #include "settings/AppSettings.h"
+#include "transform/Utf8.h"
 
 #include <QCoreApplication>
 #include <QTimer>
 
 namespace glyphmill {
+
+bool alertIfPreferencesUnreadable(const PreferenceStore &preferences, Dialogs &dialogs) {
+    const auto failure = preferences.readFailure();
+    if (!failure)
+        return false;
+    dialogs.showAlert(
+        u"Preferences Not Read",
+        u"Glyphmill could not read its preference file \u201C" + utf8::decodeLossy(failure->file) +
+            u"\u201D: " + utf8::decodeLossy(failure->reason) +
+            u".\n\nUntil it can, Glyphmill works with the default settings and protected terms, "
+            u"saves no change and leaves the file as it is.");
+    return true;
+}
 
 ApplicationDelegate::ApplicationDelegate()
     : termsStore_(*platformServices().preferences),
@@ -48,8 +64,13 @@ void ApplicationDelegate::applicationDidFinishLaunching() {
     shellPieces::registerHotKeys();
     servicesProvider_ = std::make_unique<SelectionServicesProvider>(termsStore_, AppSettings::shared());
     servicesAdaptor_->setProvider(servicesProvider_.get());
-    // Once the application runs: the guide is the first thing a new user sees.
-    QTimer::singleShot(0, this, [this] { shellPieces::showWelcomeGuideIfNeeded(termsStore_); });
+    // Once the application runs: the guide is the first thing a new user sees. A user whose
+    // preferences could not be read is not new, and is told of that instead.
+    QTimer::singleShot(0, this, [this] {
+        const PlatformServices &services = platformServices();
+        if (!alertIfPreferencesUnreadable(*services.preferences, *services.dialogs))
+            shellPieces::showWelcomeGuideIfNeeded(termsStore_);
+    });
 }
 
 void ApplicationDelegate::applicationDidBecomeActive() {

@@ -15,6 +15,13 @@
 
 namespace glyphmill {
 
+class Dialogs;
+class PreferenceStore;
+
+// Tells the user, in an alert, that the preference file could not be read, so the application
+// runs on the defaults and saves no change until it can be read. True when it did.
+bool alertIfPreferencesUnreadable(const PreferenceStore &preferences, Dialogs &dialogs);
+
 class ApplicationDelegate final : public QObject {
     Q_OBJECT
 
