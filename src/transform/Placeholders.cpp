@@ -44,7 +44,7 @@ void forEachPlaceholder(std::u16string_view text, const PlaceholderMap &placehol
             continue;
         }
         auto key = placeholderAt(text, at);
-        const std::u16string *value = key ? placeholders.find(key->first) : nullptr;
+        auto value = key ? placeholders.find(key->first) : std::nullopt;
         assert(value && "a transform broke a placeholder");
         if (!value)
             continue;
@@ -70,33 +70,36 @@ std::u16string placeholder(std::uint32_t number) {
     return out;
 }
 
-std::uint32_t PlaceholderMap::addSpan(std::u16string value) {
-    assert(terms_.empty() && "spans are masked before terms");
-    spans_.push_back(std::move(value));
-    return std::uint32_t(spans_.size() - 1);
+std::uint32_t PlaceholderMap::addSpan(std::u16string_view value) {
+    assert(ends_.size() == spanCount_ && "spans are masked before terms");
+    texts_.append(value);
+    ends_.push_back(texts_.size());
+    return std::uint32_t(spanCount_++);
 }
 
-std::uint32_t PlaceholderMap::addTerm(std::u16string value) {
-    if (terms_.empty())
-        firstTermNumber_ = std::max(firstTermPlaceholderNumber, std::uint32_t(spans_.size()));
-    terms_.push_back(std::move(value));
-    return firstTermNumber_ + std::uint32_t(terms_.size() - 1);
+std::uint32_t PlaceholderMap::addTerm(std::u16string_view value) {
+    if (ends_.size() == spanCount_)
+        firstTermNumber_ = std::max(firstTermPlaceholderNumber, std::uint32_t(spanCount_));
+    texts_.append(value);
+    ends_.push_back(texts_.size());
+    return firstTermNumber_ + std::uint32_t(ends_.size() - 1 - spanCount_);
 }
 
-const std::u16string *PlaceholderMap::find(std::uint32_t number) const {
-    if (!terms_.empty() && number >= firstTermNumber_ && number - firstTermNumber_ < terms_.size())
-        return &terms_[number - firstTermNumber_];
-    if (number < spans_.size())
-        return &spans_[number];
-    return nullptr;
+std::optional<std::u16string_view> PlaceholderMap::find(std::uint32_t number) const {
+    const std::size_t termCount = ends_.size() - spanCount_;
+    if (termCount > 0 && number >= firstTermNumber_ && number - firstTermNumber_ < termCount)
+        return text(spanCount_ + (number - firstTermNumber_));
+    if (number < spanCount_)
+        return text(number);
+    return std::nullopt;
 }
 
 std::map<std::u16string, std::u16string> PlaceholderMap::entries() const {
     std::map<std::u16string, std::u16string> all;
-    for (std::size_t n = 0; n < spans_.size(); ++n)
-        all[placeholder(std::uint32_t(n))] = spans_[n];
-    for (std::size_t n = 0; n < terms_.size(); ++n)
-        all[placeholder(firstTermNumber_ + std::uint32_t(n))] = terms_[n];
+    for (std::size_t n = 0; n < spanCount_; ++n)
+        all[placeholder(std::uint32_t(n))] = std::u16string(text(n));
+    for (std::size_t n = spanCount_; n < ends_.size(); ++n)
+        all[placeholder(firstTermNumber_ + std::uint32_t(n - spanCount_))] = std::u16string(text(n));
     return all;
 }
 
@@ -129,7 +132,7 @@ std::size_t restoredSize(std::u16string_view text, const PlaceholderMap &placeho
                          std::size_t firstStart) {
     std::size_t size = text.size();
     forEachPlaceholder(text, placeholders, firstStart,
-                       [&](std::size_t, std::size_t length, const std::u16string &value) {
+                       [&](std::size_t, std::size_t length, std::u16string_view value) {
                            size = size - length + value.size();
                        });
     return size;
@@ -139,7 +142,7 @@ void writeRestored(std::u16string_view text, const PlaceholderMap &placeholders,
                    char16_t *dest) {
     std::size_t copied = 0;
     forEachPlaceholder(
-        text, placeholders, firstStart, [&](std::size_t at, std::size_t length, const std::u16string &value) {
+        text, placeholders, firstStart, [&](std::size_t at, std::size_t length, std::u16string_view value) {
             dest = std::copy(text.begin() + std::ptrdiff_t(copied), text.begin() + std::ptrdiff_t(at), dest);
             dest = std::copy(value.begin(), value.end(), dest);
             copied = at + length;

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,10 +30,10 @@ void appendPlaceholder(std::u16string &out, std::uint32_t number);
 // the text itself. Spans are numbered densely from 0 and must all be added before the first term.
 class PlaceholderMap {
 public:
-    std::uint32_t addSpan(std::u16string text);
-    std::uint32_t addTerm(std::u16string text);
-    const std::u16string *find(std::uint32_t number) const;
-    bool empty() const { return spans_.empty() && terms_.empty(); }
+    std::uint32_t addSpan(std::u16string_view text);
+    std::uint32_t addTerm(std::u16string_view text);
+    std::optional<std::u16string_view> find(std::uint32_t number) const;
+    bool empty() const { return ends_.empty(); }
     // Every entry keyed by its placeholder string.
     std::map<std::u16string, std::u16string> entries() const;
 
@@ -42,8 +43,15 @@ public:
     void setOwnStarts(std::vector<std::size_t> ordinals) { ownStarts_ = std::move(ordinals); }
 
 private:
-    std::vector<std::u16string> spans_;
-    std::vector<std::u16string> terms_;
+    std::u16string_view text(std::size_t entry) const {
+        std::size_t start = entry == 0 ? 0 : ends_[entry - 1];
+        return std::u16string_view(texts_).substr(start, ends_[entry] - start);
+    }
+    // The remembered texts one after another, spans first, each ending where ends_ says: a text
+    // with millions of one-character spans must not cost a string object each.
+    std::u16string texts_;
+    std::vector<std::size_t> ends_;
+    std::size_t spanCount_ = 0;
     std::uint32_t firstTermNumber_ = 0; // fixed by the first term
     std::vector<std::size_t> ownStarts_;
 };

@@ -7,6 +7,7 @@
 #include "TextModel.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace glyphmill {
 namespace {
@@ -29,8 +30,7 @@ bool maskRanges(std::u16string_view working, const std::vector<TextRange> &range
     std::vector<std::uint32_t> numbers(kept.size());
     for (std::size_t k = kept.size(); k-- > 0;) {
         const TextRange &range = *kept[k];
-        numbers[k] =
-            placeholders.addSpan(std::u16string(working.substr(range.start, range.end - range.start)));
+        numbers[k] = placeholders.addSpan(working.substr(range.start, range.end - range.start));
     }
     masked.clear();
     masked.reserve(working.size() + kept.size() * 8);
@@ -49,10 +49,38 @@ bool maskRanges(std::u16string_view working, const std::vector<TextRange> &range
     return true;
 }
 
-// The placeholders of ours in a span-masked text, as [start, end) ranges in order.
-std::vector<TextRange> placeholderRanges(std::u16string_view text,
-                                         const std::vector<std::size_t> &ownStarts) {
-    std::vector<TextRange> ranges;
+bool isDigit(char16_t unit) {
+    return unit >= u'0' && unit <= u'9';
+}
+
+// Whether [start, end) of a span-masked text overlaps a placeholder of ours; asked for ranges
+// in ascending order. In the usual text without U+E000 of its own every U+E000 is ours, and a
+// look at the range and the digits before it tells.
+std::function<bool(std::size_t, std::size_t)> spanOverlapTest(std::u16string_view text,
+                                                              const std::vector<std::size_t> &ownStarts) {
+    if (ownStarts.empty()) {
+        return [text](std::size_t start, std::size_t end) {
+            std::size_t before = start;
+            while (before > 0 && isDigit(text[before - 1]))
+                --before;
+            if (before > 0 && text[before - 1] == text::placeholderStart)
+                return true; // start lies inside a placeholder
+            for (std::size_t i = start; i < end; ++i) {
+                if (text[i] == text::placeholderStart)
+                    return true;
+                if (text[i] == text::placeholderEnd) { // ours only if digits and U+E000 precede it
+                    std::size_t digits = i;
+                    while (digits > 0 && isDigit(text[digits - 1]))
+                        --digits;
+                    if (digits < i && digits > 0 && text[digits - 1] == text::placeholderStart)
+                        return true;
+                }
+            }
+            return false;
+        };
+    }
+    // The text brought U+E000 of its own: list the placeholders of ours once.
+    auto ranges = std::make_shared<std::vector<TextRange>>();
     std::size_t ordinal = 0;
     auto nextOwn = ownStarts.begin();
     for (std::size_t at = scan::findAnyOf(text, 0, text::placeholderStart); at < text.size();
@@ -61,10 +89,13 @@ std::vector<TextRange> placeholderRanges(std::u16string_view text,
             ++nextOwn;
             continue;
         }
-        std::size_t end = scan::findAnyOf(text, at, text::placeholderEnd) + 1;
-        ranges.push_back({at, end});
+        ranges->push_back({at, scan::findAnyOf(text, at, text::placeholderEnd) + 1});
     }
-    return ranges;
+    return [ranges, next = std::size_t(0)](std::size_t start, std::size_t end) mutable {
+        while (next < ranges->size() && (*ranges)[next].end <= start)
+            ++next;
+        return next < ranges->size() && (*ranges)[next].start < end;
+    };
 }
 
 } // namespace
@@ -132,19 +163,14 @@ void maskProtectedTerms(MaskedText &masked, const std::vector<std::u16string> &t
         return;
     // A term found in a span's placeholder (a term of digits can match its number) stays: the
     // placeholder brings the span back whole.
-    std::vector<TextRange> spanPlaceholders;
-    if (scan::findAnyOf(text, 0, text::placeholderStart) < text.size())
-        spanPlaceholders = placeholderRanges(text, placeholders.ownStarts());
-    auto nextSpan = spanPlaceholders.begin();
+    auto overlapsSpan = spanOverlapTest(text, placeholders.ownStarts());
     std::u16string result;
     result.reserve(text.size());
     OwnStartTracker own(text, placeholders.ownStarts());
     std::size_t copied = 0;
     TermMatcher(terms).forEachMatch(text,
                                     [&](std::size_t start, std::size_t end, const std::u16string &term) {
-                                        while (nextSpan != spanPlaceholders.end() && nextSpan->end <= start)
-                                            ++nextSpan;
-                                        if (nextSpan != spanPlaceholders.end() && nextSpan->start < end)
+                                        if (overlapsSpan(start, end))
                                             return;
                                         result.append(text.substr(copied, start - copied));
                                         own.copy(copied, start);
