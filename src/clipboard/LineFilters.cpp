@@ -2,12 +2,14 @@
 // contain a text.
 #include "clipboard/LineTools.h"
 
+#include "clipboard/LiteralSearch.h"
 #include "transform/TextModel.h"
 
 #include <unicode/regex.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -23,28 +25,38 @@ void appendKeptLine(std::u16string &out, bool &hasKept, std::u16string_view line
     hasKept = true;
 }
 
-// The caseless form of text::caselessForm, with ASCII lines lower-cased in place of the three
-// ICU passes.
-void assignCaselessForm(std::u16string &form, std::u16string_view line) {
-    form.clear();
-    for (char16_t unit : line) {
+// The caseless form of text::caselessForm, with ASCII lower-cased in place of the three ICU
+// passes.
+void appendCaselessPiece(std::u16string &form, std::u16string_view piece) {
+    const std::size_t pieceStart = form.size();
+    for (char16_t unit : piece) {
         if (unit >= 0x80) {
-            form = text::caselessForm(line);
+            form.resize(pieceStart);
+            form.append(text::caselessForm(piece));
             return;
         }
         form.push_back(unit >= u'A' && unit <= u'Z' ? char16_t(unit | 0x20) : unit);
     }
 }
 
-// A match must not end inside a character: "e" is not found in a decomposed "é".
-bool containsWholeCharacters(std::u16string_view haystack, std::u16string_view needle) {
-    for (std::size_t at = haystack.find(needle); at != std::u16string_view::npos;
-         at = haystack.find(needle, at + 1)) {
-        std::size_t end = at + needle.size();
-        if (end == haystack.size() || u_getCombiningClass(UChar32(text::codePointAt(haystack, end))) == 0)
-            return true;
+// Lines longer than this are made caseless a piece at a time, so that ICU's passes over a line
+// of megabytes do not each hold a copy of it.
+constexpr std::size_t caselessPieceUnits = std::size_t(1) << 16;
+
+// A piece ends before an ASCII character: no character on either side of one moves past it or
+// changes with what is on the other side, under NFD or case folding, so the forms of the
+// pieces put together are the form of the line.
+void assignCaselessForm(std::u16string &form, std::u16string_view line) {
+    form.clear();
+    form.reserve(line.size());
+    std::size_t start = 0;
+    while (start < line.size()) {
+        std::size_t end = std::min(line.size(), start + caselessPieceUnits);
+        while (end < line.size() && line[end] >= 0x80)
+            ++end;
+        appendCaselessPiece(form, line.substr(start, end - start));
+        start = end;
     }
-    return false;
 }
 
 std::unique_ptr<icu::RegexPattern> compiledPattern(std::u16string_view pattern) {
@@ -110,25 +122,33 @@ MatchingResult matchingLines(std::u16string_view pattern, std::u16string_view te
     // A line whose search stays short of one time unit never calls back, so the clock is also
     // read between lines; a few dozen such lines take milliseconds at most.
     std::size_t linesSinceClock = 0;
-    for (std::u16string_view line : breakLines(text).lines) {
+    bool stopped = false;
+    forEachLine(text, [&](std::u16string_view line) {
         if (++linesSinceClock == linesBetweenClockReadings) {
             linesSinceClock = 0;
-            if (deadline.passed())
-                return {{}, MatchingFailure::tooSlow};
+            if (deadline.passed()) {
+                stopped = true;
+                return false;
+            }
         }
         if (needsAt && line.find(u'@') == std::u16string_view::npos)
-            continue;
+            return true;
         input.setTo(false, line.data(), int32_t(line.size()));
         UErrorCode lineStatus = U_ZERO_ERROR;
         matcher->reset(input);
         const bool found = matcher->find(0, lineStatus);
         // Stopped by the deadline, or out of backtracking stack: either way the line's answer
         // is unknown.
-        if (U_FAILURE(lineStatus))
-            return {{}, MatchingFailure::tooSlow};
+        if (U_FAILURE(lineStatus)) {
+            stopped = true;
+            return false;
+        }
         if (found)
             appendKeptLine(result, hasKept, line);
-    }
+        return true;
+    });
+    if (stopped)
+        return {{}, MatchingFailure::tooSlow};
     return {std::move(result), std::nullopt};
 }
 
@@ -142,13 +162,20 @@ std::u16string containingLines(std::u16string_view needle, std::u16string_view t
     if (needleForm.empty())
         return result;
     result.reserve(text.size());
+    const LiteralSearch search(needleForm);
     bool hasKept = false;
     std::u16string lineForm;
-    for (std::u16string_view line : breakLines(text).lines) {
+    forEachLine(text, [&](std::u16string_view line) {
         assignCaselessForm(lineForm, line);
-        if (containsWholeCharacters(lineForm, needleForm))
+        // A match must not end inside a character: "e" is not found in a decomposed "é".
+        auto endsWholeCharacter = [&](std::size_t at) {
+            const std::size_t end = at + needleForm.size();
+            return end == lineForm.size() ||
+                   u_getCombiningClass(UChar32(text::codePointAt(lineForm, end))) == 0;
+        };
+        if (search.find(lineForm, 0, endsWholeCharacter) != LiteralSearch::npos)
             appendKeptLine(result, hasKept, line);
-    }
+    });
     return result;
 }
 

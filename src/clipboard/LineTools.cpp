@@ -1,6 +1,7 @@
 // The choice lists, line breaking and assembly, and the tools that reshape lines one at a time.
 #include "clipboard/LineTools.h"
 
+#include "clipboard/LiteralSearch.h"
 #include "clipboard/TextClasses.h"
 #include "transform/FastScan.h"
 #include "transform/TextModel.h"
@@ -25,6 +26,13 @@ std::size_t totalSize(const std::vector<std::u16string_view> &lines) {
     for (std::u16string_view line : lines)
         size += line.size();
     return size;
+}
+
+std::size_t decimalDigits(std::size_t number) {
+    std::size_t digits = 1;
+    for (; number >= 10; number /= 10)
+        ++digits;
+    return digits;
 }
 
 // Zero-width characters that only get in the way of plain text.
@@ -177,18 +185,18 @@ std::optional<std::u16string_view> presetPattern(RegexPreset preset) {
 
 BrokenLines breakLines(std::u16string_view text) {
     BrokenLines broken;
-    broken.endsWithLineBreak = !text.empty() && text.back() == lineFeed;
-    std::size_t start = 0;
-    while (true) {
-        std::size_t end = scan::findAnyOf(text, start, lineFeed);
-        broken.lines.push_back(text.substr(start, end - start));
-        if (end == text.size())
-            break;
-        start = end + 1;
-    }
-    if (broken.endsWithLineBreak && broken.lines.back().empty())
-        broken.lines.pop_back();
+    broken.endsWithLineBreak = endsWithLineBreak(text);
+    broken.lines.reserve(lineCount(text));
+    forEachLine(text, [&](std::u16string_view line) { broken.lines.push_back(line); });
     return broken;
+}
+
+std::size_t lineCount(std::u16string_view text) {
+    std::size_t lineFeeds = 0;
+    for (std::size_t at = scan::findAnyOf(text, 0, lineFeed); at < text.size();
+         at = scan::findAnyOf(text, at + 1, lineFeed))
+        ++lineFeeds;
+    return lineFeeds + 1 - (endsWithLineBreak(text) ? 1 : 0);
 }
 
 std::u16string assembleLines(const std::vector<std::u16string_view> &lines, bool endsWithLineBreak) {
@@ -204,74 +212,96 @@ std::u16string assembleLines(const std::vector<std::u16string_view> &lines, bool
     return result;
 }
 
+// The tools below build their result as they go through the lines, in a buffer reserved at a
+// bound of its size: the pages of the bound that are never written are never mapped in.
+
 std::u16string nonEmptyLines(std::u16string_view text) {
-    BrokenLines broken = breakLines(text);
-    std::erase_if(broken.lines, [](std::u16string_view line) { return trimmedWhiteSpace(line).empty(); });
-    return assembleLines(broken.lines, broken.endsWithLineBreak);
+    std::u16string result;
+    result.reserve(text.size());
+    bool hasKept = false;
+    forEachLine(text, [&](std::u16string_view line) {
+        if (trimmedWhiteSpace(line).empty())
+            return;
+        if (hasKept)
+            result.push_back(lineFeed);
+        result.append(line);
+        hasKept = true;
+    });
+    if (endsWithLineBreak(text))
+        result.push_back(lineFeed);
+    return result;
 }
 
 std::u16string numberedLines(std::u16string_view text, NumberingStyle style) {
-    const BrokenLines broken = breakLines(text);
+    const std::size_t lines = lineCount(text);
+    // A label and its space take at most the digits of the last number, a zero, the mark and
+    // the space.
     std::u16string result;
-    result.reserve(text.size() + broken.lines.size() * 8);
-    for (std::size_t i = 0; i < broken.lines.size(); ++i) {
-        if (i > 0)
+    result.reserve(text.size() + lines * (decimalDigits(lines) + 3));
+    std::size_t index = 0;
+    forEachLine(text, [&](std::u16string_view line) {
+        if (index > 0)
             result.push_back(lineFeed);
-        std::u16string_view trimmed = trimmedWhiteSpace(broken.lines[i]);
+        ++index;
+        std::u16string_view trimmed = trimmedWhiteSpace(line);
         if (trimmed.empty()) {
-            result.append(broken.lines[i]);
-            continue;
+            result.append(line);
+            return;
         }
-        result.append(numberLabel(style, std::int64_t(i) + 1));
+        result.append(numberLabel(style, std::int64_t(index)));
         result.push_back(space);
         result.append(trimmed);
-    }
-    if (broken.endsWithLineBreak)
+    });
+    if (endsWithLineBreak(text))
         result.push_back(lineFeed);
     return result;
 }
 
 std::u16string bulletedLines(std::u16string_view text) {
-    const BrokenLines broken = breakLines(text);
     std::u16string result;
-    result.reserve(text.size() + broken.lines.size() * 2);
-    for (std::size_t i = 0; i < broken.lines.size(); ++i) {
-        if (i > 0)
+    result.reserve(text.size() + lineCount(text) * 2);
+    bool first = true;
+    forEachLine(text, [&](std::u16string_view line) {
+        if (!first)
             result.push_back(lineFeed);
-        std::u16string_view trimmed = trimmedWhiteSpace(broken.lines[i]);
+        first = false;
+        std::u16string_view trimmed = trimmedWhiteSpace(line);
         if (trimmed.empty() || trimmed.front() == bullet) {
-            result.append(broken.lines[i]);
-            continue;
+            result.append(line);
+            return;
         }
         result.push_back(bullet);
         result.push_back(space);
         result.append(trimmed);
-    }
-    if (broken.endsWithLineBreak)
+    });
+    if (endsWithLineBreak(text))
         result.push_back(lineFeed);
     return result;
 }
 
 std::u16string joinedLines(std::u16string_view text, std::u16string_view separator) {
-    BrokenLines broken = breakLines(text);
-    std::erase_if(broken.lines, [](std::u16string_view line) { return trimmedWhiteSpace(line).empty(); });
     std::u16string result;
-    result.reserve(totalSize(broken.lines) + broken.lines.size() * separator.size());
-    for (std::size_t i = 0; i < broken.lines.size(); ++i) {
-        if (i > 0)
+    result.reserve(text.size() + lineCount(text) * separator.size());
+    bool hasKept = false;
+    forEachLine(text, [&](std::u16string_view line) {
+        if (trimmedWhiteSpace(line).empty())
+            return;
+        if (hasKept)
             result.append(separator);
-        result.append(broken.lines[i]);
-    }
+        result.append(line);
+        hasKept = true;
+    });
     return result;
 }
 
 std::u16string splitText(std::u16string_view text, std::u16string_view delimiter) {
     std::u16string result;
     result.reserve(text.size());
+    const LiteralSearch search(delimiter); // an empty delimiter is never found
     std::size_t start = 0;
     while (true) {
-        std::size_t end = delimiter.empty() ? std::u16string_view::npos : text.find(delimiter, start);
-        if (end == std::u16string_view::npos) {
+        std::size_t end = search.find(text, start);
+        if (end == LiteralSearch::npos) {
             result.append(trimmedWhiteSpace(text.substr(start)));
             return result;
         }
@@ -298,22 +328,23 @@ std::u16string fixedWhitespace(std::u16string_view text) {
 
     std::u16string result;
     result.reserve(plain.size());
-    std::u16string line;
     bool previousWasBlank = false;
     bool hasLines = false;
-    for (std::u16string_view rawLine : breakLines(plain).lines) {
-        line.clear();
-        appendTidiedLine(line, rawLine);
-        const bool isBlankLine = trimmedWhiteSpace(line).empty();
-        if (!isBlankLine || (!previousWasBlank && hasLines)) {
-            if (hasLines)
-                result.push_back(lineFeed);
-            if (!isBlankLine)
-                result.append(line);
+    forEachLine(plain, [&](std::u16string_view rawLine) {
+        // Each line is tidied in place at the end of the result, where it stays unless it is
+        // blank; a blank line after a kept one leaves its line break.
+        const std::size_t before = result.size();
+        if (hasLines)
+            result.push_back(lineFeed);
+        const std::size_t lineStart = result.size();
+        appendTidiedLine(result, rawLine);
+        const bool isBlankLine = trimmedWhiteSpace(std::u16string_view(result).substr(lineStart)).empty();
+        if (isBlankLine)
+            result.resize(!previousWasBlank && hasLines ? lineStart : before);
+        if (!isBlankLine || (!previousWasBlank && hasLines))
             hasLines = true;
-        }
         previousWasBlank = isBlankLine;
-    }
+    });
     std::u16string_view kept = textClasses::trimmedWhiteSpaceAndLineBreaks(result);
     const std::size_t keptStart = std::size_t(kept.data() - result.data());
     result.resize(keptStart + kept.size());

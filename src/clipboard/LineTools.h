@@ -3,12 +3,14 @@
 #pragma once
 
 #include "clipboard/FindReplaceRequest.h"
+#include "transform/FastScan.h"
 
 #include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace glyphmill::lineTools {
@@ -53,6 +55,33 @@ struct BrokenLines {
 BrokenLines breakLines(std::u16string_view text);
 std::u16string assembleLines(const std::vector<std::u16string_view> &lines, bool endsWithLineBreak);
 
+// The lines of breakLines one at a time, in order, without a list of them: a list of ten
+// million empty lines takes 160 MB. A visit that returns false stops there.
+template <typename Visit> void forEachLine(std::u16string_view text, Visit &&visit) {
+    std::size_t start = 0;
+    while (true) {
+        const std::size_t end = scan::findAnyOf(text, start, u'\n');
+        // The empty piece after a final line break is no line.
+        if (end == text.size() && start == end && start > 0)
+            return;
+        const std::u16string_view line = text.substr(start, end - start);
+        if constexpr (std::is_same_v<decltype(visit(line)), bool>) {
+            if (!visit(line))
+                return;
+        } else {
+            visit(line);
+        }
+        if (end == text.size())
+            return;
+        start = end + 1;
+    }
+}
+// As many as forEachLine visits.
+std::size_t lineCount(std::u16string_view text);
+inline bool endsWithLineBreak(std::u16string_view text) {
+    return !text.empty() && text.back() == u'\n';
+}
+
 std::u16string sortedLines(std::u16string_view text);
 std::u16string uniqueLines(std::u16string_view text);
 std::u16string nonEmptyLines(std::u16string_view text);
@@ -80,5 +109,14 @@ bool isValidPattern(std::u16string_view pattern);
 std::u16string containingLines(std::u16string_view needle, std::u16string_view text);
 std::u16string fixedWhitespace(std::u16string_view text);
 std::u16string replacedText(std::u16string_view text, const FindReplaceRequest &request);
+
+// Sorting and removing duplicates keep offsets into the text, 32 bits wide up to this many
+// UTF-16 units (a gigabyte) and 64 bits past it.
+inline constexpr std::size_t narrowOffsetLimit = std::size_t(1) << 29;
+// The same tools with 64-bit offsets whatever the size of the text, for tests.
+namespace wideOffsets {
+std::u16string sortedLines(std::u16string_view text);
+std::u16string uniqueLines(std::u16string_view text);
+} // namespace wideOffsets
 
 } // namespace glyphmill::lineTools

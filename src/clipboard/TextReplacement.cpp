@@ -2,12 +2,16 @@
 // matches and, unless case must match, case is ignored.
 #include "clipboard/LineTools.h"
 
+#include "clipboard/LiteralSearch.h"
 #include "transform/TextModel.h"
 
 #include <unicode/normalizer2.h>
 #include <unicode/ustring.h>
 
+#include <algorithm>
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <vector>
 
 namespace glyphmill::lineTools {
@@ -18,10 +22,64 @@ icu::UnicodeString aliasOf(std::u16string_view text) {
     return icu::UnicodeString(false, text.data(), int32_t(text.size()));
 }
 
+// A set of positions, one bit each, that counts and steps over its members a word at a time.
+class PositionSet {
+public:
+    void add(std::size_t position) {
+        const std::size_t word = position / wordBits;
+        if (word >= words_.size())
+            words_.resize(std::max(word + 1, words_.size() * 2), 0);
+        words_[word] |= std::uint64_t(1) << (position % wordBits);
+    }
+
+    bool contains(std::size_t position) const {
+        const std::size_t word = position / wordBits;
+        return word < words_.size() && (words_[word] >> (position % wordBits) & 1) != 0;
+    }
+
+    // The members in (from, to].
+    std::size_t countAfter(std::size_t from, std::size_t to) const {
+        std::size_t count = 0;
+        for (std::size_t word = from / wordBits; word <= to / wordBits && word < words_.size(); ++word) {
+            std::uint64_t bits = words_[word];
+            if (word == from / wordBits)
+                bits &= ~std::uint64_t(0) << (from % wordBits) << 1;
+            if (word == to / wordBits && to % wordBits + 1 < wordBits)
+                bits &= (std::uint64_t(1) << (to % wordBits + 1)) - 1;
+            count += std::size_t(std::popcount(bits));
+        }
+        return count;
+    }
+
+    // The count-th member after from (count > 0), which must exist.
+    std::size_t stepForward(std::size_t from, std::size_t count) const {
+        std::size_t word = from / wordBits;
+        std::uint64_t bits = words_[word] & (~std::uint64_t(0) << (from % wordBits) << 1);
+        while (true) {
+            const std::size_t inWord = std::size_t(std::popcount(bits));
+            if (inWord >= count)
+                break;
+            count -= inWord;
+            bits = words_[++word];
+        }
+        for (; count > 1; --count)
+            bits &= bits - 1;
+        return word * wordBits + std::size_t(std::countr_zero(bits));
+    }
+
+private:
+    static constexpr std::size_t wordBits = 64;
+    std::vector<std::uint64_t> words_;
+};
+
 // The text in the form the search compares (NFD, or the caseless form of text::caselessForm),
 // built one canonical segment (a starter and the marks that follow it) at a time, so that
 // every segment end in the form maps back to a position in the original text. A match counts
 // only from one segment end to another, so it never cuts an accented letter apart.
+//
+// The segment ends are kept as two sets of positions, in the form and in the text: the k-th
+// end in one is the k-th in the other. That is two bits a unit however many segments change
+// length, where a list of the places the two drift apart takes 16 bytes for every "é" or "ß".
 class SearchForm {
 public:
     SearchForm(std::u16string_view original, bool matchCase, const icu::Normalizer2 &nfd)
@@ -29,46 +87,45 @@ public:
         // Decomposed accents and foldings such as "ß" to "ss" make the form longer than the text;
         // growing a large buffer copies it whole.
         units_.reserve(original.size() + original.size() / 4);
-        boundaries_.reserve(original.size() + 1);
-        boundaries_.push_back(true);
-        anchors_.push_back({0, 0});
+        boundaries_.add(0);
+        originalBoundaries_.add(0);
         std::size_t start = 0;
         while (start < original.size()) {
             if (isPlainAsciiSegment(start)) {
                 char16_t unit = original[start];
                 units_.push_back(!matchCase_ && unit >= u'A' && unit <= u'Z' ? char16_t(unit | 0x20) : unit);
-                boundaries_.push_back(true);
-                ++start;
+                boundaries_.add(units_.size());
+                originalBoundaries_.add(++start);
                 continue;
             }
             std::size_t end = segmentEnd(start);
-            std::size_t formStart = units_.size();
             appendForm(original.substr(start, end - start));
-            boundaries_.resize(units_.size() + 1, false);
-            boundaries_[units_.size()] = true;
-            if (units_.size() - formStart != end - start)
-                anchors_.push_back({units_.size(), end});
+            boundaries_.add(units_.size());
+            originalBoundaries_.add(end);
             start = end;
         }
     }
 
     std::u16string_view units() const { return units_; }
-    bool isBoundary(std::size_t formIndex) const { return boundaries_[formIndex]; }
+    bool isBoundary(std::size_t formIndex) const { return boundaries_.contains(formIndex); }
 
-    // The original position of a segment end; calls must come in ascending order.
+    // The original position of a segment end; calls must come in ascending order, from the
+    // start again after restartMapping.
     std::size_t originalIndex(std::size_t formIndex) {
-        while (anchorCursor_ + 1 < anchors_.size() && anchors_[anchorCursor_ + 1].formIndex <= formIndex)
-            ++anchorCursor_;
-        const Anchor &anchor = anchors_[anchorCursor_];
-        return anchor.originalIndex + (formIndex - anchor.formIndex);
+        if (formIndex > formCursor_) {
+            const std::size_t ends = boundaries_.countAfter(formCursor_, formIndex);
+            originalCursor_ = originalBoundaries_.stepForward(originalCursor_, ends);
+            formCursor_ = formIndex;
+        }
+        return originalCursor_;
+    }
+
+    void restartMapping() {
+        formCursor_ = 0;
+        originalCursor_ = 0;
     }
 
 private:
-    struct Anchor {
-        std::size_t formIndex;
-        std::size_t originalIndex;
-    };
-
     // An ASCII character that no combining mark follows: its own form, one unit long.
     bool isPlainAsciiSegment(std::size_t index) const {
         return original_[index] < 0x80 && (index + 1 == original_.size() || original_[index + 1] < 0x300);
@@ -129,9 +186,10 @@ private:
     bool matchCase_;
     const icu::Normalizer2 &nfd_;
     std::u16string units_;
-    std::vector<bool> boundaries_;
-    std::vector<Anchor> anchors_;
-    std::size_t anchorCursor_ = 0;
+    PositionSet boundaries_;         // in the form
+    PositionSet originalBoundaries_; // in the text
+    std::size_t formCursor_ = 0;
+    std::size_t originalCursor_ = 0;
 };
 
 std::u16string formOfFind(std::u16string_view find, bool matchCase, const icu::Normalizer2 &nfd) {
@@ -157,37 +215,39 @@ std::u16string replacedText(std::u16string_view text, const FindReplaceRequest &
 
     SearchForm form(text, request.matchCase, *nfd);
     const std::u16string_view haystack = form.units();
-    // The matches first, then the result in one allocation of its exact size.
-    struct Match {
-        std::size_t start;
-        std::size_t end;
+    const LiteralSearch search(needle);
+    auto onSegmentEnds = [&](std::size_t at) {
+        return form.isBoundary(at) && form.isBoundary(at + needle.size());
     };
-    std::vector<Match> matches;
-    std::size_t searchFrom = 0;
-    while (true) {
-        std::size_t at = haystack.find(needle, searchFrom);
-        if (at == std::u16string_view::npos)
-            break;
-        std::size_t end = at + needle.size();
-        if (!form.isBoundary(at) || !form.isBoundary(end)) {
-            searchFrom = at + 1;
-            continue;
+    // Calls visit(start, end) with the original span of every match, left to right.
+    auto forEachMatch = [&](auto &&visit) {
+        form.restartMapping();
+        std::size_t searchFrom = 0;
+        while (true) {
+            const std::size_t at = search.find(haystack, searchFrom, onSegmentEnds);
+            if (at == LiteralSearch::npos)
+                return;
+            const std::size_t end = at + needle.size();
+            const std::size_t originalStart = form.originalIndex(at);
+            visit(originalStart, form.originalIndex(end));
+            searchFrom = end;
         }
-        matches.push_back({form.originalIndex(at), form.originalIndex(end)});
-        searchFrom = end;
-    }
+    };
 
+    // The matches are found twice rather than kept: the size of the result first, so that it
+    // is made in one allocation, then the result. A list of them would take 16 bytes a match.
     std::size_t resultSize = text.size();
-    for (const Match &match : matches)
-        resultSize = resultSize - (match.end - match.start) + request.replacement.size();
+    forEachMatch([&](std::size_t start, std::size_t end) {
+        resultSize = resultSize - (end - start) + request.replacement.size();
+    });
     std::u16string result;
     result.reserve(resultSize);
     std::size_t copiedUpTo = 0;
-    for (const Match &match : matches) {
-        result.append(text.substr(copiedUpTo, match.start - copiedUpTo));
+    forEachMatch([&](std::size_t start, std::size_t end) {
+        result.append(text.substr(copiedUpTo, start - copiedUpTo));
         result.append(request.replacement);
-        copiedUpTo = match.end;
-    }
+        copiedUpTo = end;
+    });
     result.append(text.substr(copiedUpTo));
     return result;
 }
