@@ -1,8 +1,17 @@
 #include "clipboard/LineTools.h"
 
-#include <gtest/gtest.h>
+#include "clipboard/LocaleCollator.h"
+#include "transform/TextModel.h"
 
+#include <gtest/gtest.h>
+#include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
+
+#include <algorithm>
 #include <chrono>
+#include <map>
+#include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,6 +54,15 @@ TEST(BreakLines, CutsAtLineFeedOnlyAndDropsTheEmptyPieceAfterAFinalBreak) {
     }
     EXPECT_EQ(assembleLines({}, true), u"\n");
     EXPECT_EQ(assembleLines({}, false), u"");
+}
+
+TEST(BreakLines, TheLinesVisitedOneByOneAreTheLinesBroken) {
+    for (std::u16string text : {u"", u"\n", u"\n\n", u"a", u"a\n", u"a\n\nb\r\n", u"\na"}) {
+        std::vector<std::u16string_view> visited;
+        forEachLine(text, [&](std::u16string_view line) { visited.push_back(line); });
+        EXPECT_EQ(visited, breakLines(text).lines);
+        EXPECT_EQ(lineCount(text), visited.size());
+    }
 }
 
 TEST(LineTools, ASingleLineFeedSurvivesTheToolsThatKeepLines) {
@@ -265,6 +283,324 @@ TEST(ChoiceLists, TitlesAndValuesInPromptOrder) {
     EXPECT_EQ(numberLabel(NumberingStyle::zeroPadded, 123), u"123.");
     EXPECT_EQ(delimiterText(SplitDelimiter::custom), std::nullopt);
     EXPECT_EQ(presetPattern(RegexPreset::custom), std::nullopt);
+}
+
+// Random texts of pieces that make line tools work: letters whose case or canonical forms meet
+// ("ß" and "SS", "é" whole and decomposed, the Kelvin and Angstrom signs), marks alone,
+// characters outside the BMP, numbers, white space of several kinds, CR LF and empty lines.
+class RandomText {
+public:
+    explicit RandomText(unsigned seed) : random_(seed) {}
+
+    std::size_t below(std::size_t bound) { return std::size_t(random_() % bound); }
+
+    std::u16string text(std::size_t pieces) {
+        static const std::vector<std::u16string> all = {
+            u"a",
+            u"A",
+            u"b",
+            u"B",
+            u"s",
+            u"S",
+            u"ss",
+            u"\u00DF",
+            u"\u1E9E",
+            u"e",
+            u"E",
+            u"\u00E9",
+            u"\u00C9",
+            u"e\u0301",
+            u"\u0301",
+            u"\u0323",
+            u"\uFB01",
+            u"fi",
+            u"\u0131",
+            u"\u0130",
+            u"i",
+            u"\u03C3",
+            u"\u03C2",
+            u"\u03A3",
+            u"\U0001F600",
+            u"\u212A",
+            u"k",
+            u"\u212B",
+            u"\u00C5",
+            u"1",
+            u"2",
+            u"10",
+            u"9",
+            u" ",
+            u"  ",
+            u"\t",
+            u"\u00A0",
+            u"\u200B",
+            u",",
+            u";",
+            u"\n",
+            u"\n",
+            u"\n",
+            u"\r\n",
+            u"\r",
+            u"\u2022",
+            u"a\u0308",
+            u"\u0345",
+            u"\u0390",
+            u"\u1F80",
+            u"x@y.z",
+            u"ab",
+            // Unpaired surrogates, which may also meet as a pair.
+            std::u16string(1, char16_t(0xD83D)),
+            std::u16string(1, char16_t(0xDE00)),
+        };
+        std::u16string made;
+        for (std::size_t i = 0; i < pieces; ++i)
+            made += all[below(all.size())];
+        return made;
+    }
+
+private:
+    std::mt19937 random_;
+};
+
+std::vector<std::u16string> linesOf(std::u16string_view text) {
+    std::vector<std::u16string> lines;
+    for (std::u16string_view line : breakLines(text).lines)
+        lines.emplace_back(line);
+    return lines;
+}
+
+std::u16string joined(const std::vector<std::u16string> &lines, bool endsWithLineBreak) {
+    std::vector<std::u16string_view> views(lines.begin(), lines.end());
+    return assembleLines(views, endsWithLineBreak);
+}
+
+std::u16string nfdOf(std::u16string_view text) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString form = icu::Normalizer2::getNFDInstance(status)->normalize(
+        icu::UnicodeString(false, text.data(), int32_t(text.size())), status);
+    return std::u16string(form.getBuffer(), std::size_t(form.length()));
+}
+
+// A stable sort on whole collation keys.
+std::u16string sortedByKeys(std::u16string_view text) {
+    std::unique_ptr<icu::Collator> collator = numericLocaleCollator(icu::Collator::SECONDARY);
+    std::vector<std::pair<std::vector<std::uint8_t>, std::u16string>> keyed;
+    for (const std::u16string &line : linesOf(text)) {
+        std::vector<std::uint8_t> key(
+            std::size_t(collator->getSortKey(line.data(), int32_t(line.size()), nullptr, 0)));
+        collator->getSortKey(line.data(), int32_t(line.size()), key.data(), int32_t(key.size()));
+        keyed.emplace_back(std::move(key), line);
+    }
+    std::stable_sort(keyed.begin(), keyed.end(),
+                     [](const auto &a, const auto &b) { return a.first < b.first; });
+    std::vector<std::u16string> lines;
+    for (auto &[key, line] : keyed)
+        lines.push_back(std::move(line));
+    return joined(lines, endsWithLineBreak(text));
+}
+
+std::u16string firstOfEachNfdForm(std::u16string_view text) {
+    std::set<std::u16string> seen;
+    std::vector<std::u16string> kept;
+    for (const std::u16string &line : linesOf(text))
+        if (seen.insert(nfdOf(line)).second)
+            kept.push_back(line);
+    return joined(kept, endsWithLineBreak(text));
+}
+
+// Every occurrence of the needle's caseless form in the line's, tried in turn.
+std::u16string containingByTryingEach(std::u16string_view needle, std::u16string_view text) {
+    const std::u16string needleForm = text::caselessForm(needle);
+    std::vector<std::u16string> kept;
+    for (const std::u16string &line : linesOf(text)) {
+        const std::u16string form = text::caselessForm(line);
+        for (std::size_t at = form.find(needleForm); !needleForm.empty() && at != std::u16string::npos;
+             at = form.find(needleForm, at + 1)) {
+            const std::size_t end = at + needleForm.size();
+            if (end == form.size() || u_getCombiningClass(UChar32(text::codePointAt(form, end))) == 0) {
+                kept.push_back(line);
+                break;
+            }
+        }
+    }
+    return joined(kept, false);
+}
+
+// The form of every canonical segment made on its own (NFD, or NFD after case folding), a map
+// from the form's segment ends back to the text's, and every occurrence tried in turn.
+std::u16string replacedByTryingEach(std::u16string_view text, const FindReplaceRequest &request) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2 *nfd = icu::Normalizer2::getNFDInstance(status);
+    auto formOf = [&](std::u16string_view piece) {
+        return request.matchCase ? nfdOf(piece) : text::caselessForm(piece);
+    };
+    const std::u16string needle = formOf(request.find);
+    if (needle.empty())
+        return std::u16string(text);
+    std::u16string form;
+    std::map<std::size_t, std::size_t> originalOfEnd = {{0, 0}};
+    for (std::size_t start = 0; start < text.size();) {
+        std::size_t end = start + text::codeUnitCount(text::codePointAt(text, start));
+        while (end < text.size() && !nfd->hasBoundaryBefore(UChar32(text::codePointAt(text, end))))
+            end += text::codeUnitCount(text::codePointAt(text, end));
+        form += formOf(text.substr(start, end - start));
+        originalOfEnd[form.size()] = end;
+        start = end;
+    }
+    std::u16string result;
+    std::size_t copiedUpTo = 0;
+    for (std::size_t at = form.find(needle); at != std::u16string::npos;) {
+        const auto start = originalOfEnd.find(at);
+        const auto end = originalOfEnd.find(at + needle.size());
+        if (start == originalOfEnd.end() || end == originalOfEnd.end()) {
+            at = form.find(needle, at + 1);
+            continue;
+        }
+        result.append(text.substr(copiedUpTo, start->second - copiedUpTo));
+        result.append(request.replacement);
+        copiedUpTo = end->second;
+        at = form.find(needle, at + needle.size());
+    }
+    result.append(text.substr(copiedUpTo));
+    return result;
+}
+
+std::string printed(std::u16string_view text) {
+    return ::testing::PrintToString(std::u16string(text));
+}
+
+TEST(LineTools, SortingAndRemovingDuplicatesAgreeWithPlainDefinitionsOnRandomTexts) {
+    RandomText random(3);
+    for (int round = 0; round < 400; ++round) {
+        const std::u16string text = random.text(random.below(80));
+        const std::u16string sorted = sortedByKeys(text);
+        EXPECT_EQ(sortedLines(text), sorted) << printed(text);
+        EXPECT_EQ(wideOffsets::sortedLines(text), sorted) << printed(text);
+        const std::u16string unique = firstOfEachNfdForm(text);
+        EXPECT_EQ(uniqueLines(text), unique) << printed(text);
+        EXPECT_EQ(wideOffsets::uniqueLines(text), unique) << printed(text);
+    }
+}
+
+// Texts of one line shape over and over: lines that share one key or one form, or few.
+TEST(LineTools, SortingAndRemovingDuplicatesOnTextsOfOneLineShape) {
+    RandomText random(5);
+    const std::vector<std::u16string> shapes = {u"\n", u"x\n", u"\u00E9\n", u"e\u0301\n",
+                                                u"a\nA\n\u00C5\n\u212B\n"};
+    for (const std::u16string &shape : shapes) {
+        for (bool finalBreak : {true, false}) {
+            std::u16string text = repeated(shape, 3000);
+            if (!finalBreak)
+                text.pop_back();
+            EXPECT_EQ(sortedLines(text), sortedByKeys(text)) << printed(shape);
+            EXPECT_EQ(uniqueLines(text), firstOfEachNfdForm(text)) << printed(shape);
+        }
+    }
+    std::u16string manyDistinct;
+    for (int i = 0; i < 20'000; ++i)
+        manyDistinct += random.text(3) + u"\n";
+    EXPECT_EQ(sortedLines(manyDistinct), sortedByKeys(manyDistinct));
+    EXPECT_EQ(uniqueLines(manyDistinct), firstOfEachNfdForm(manyDistinct));
+}
+
+TEST(LineTools, SearchingToolsAgreeWithTryingEveryOccurrenceOnRandomTexts) {
+    RandomText random(4);
+    for (int round = 0; round < 1500; ++round) {
+        const std::u16string text = random.text(random.below(60));
+        std::u16string needle = random.text(1 + random.below(3));
+        std::erase(needle, u'\n');
+        if (needle.empty())
+            continue;
+        EXPECT_EQ(containingLines(needle, text), containingByTryingEach(needle, text))
+            << printed(needle) << " in " << printed(text);
+        for (bool matchCase : {false, true}) {
+            const FindReplaceRequest request{needle, u"<>", matchCase};
+            EXPECT_EQ(replacedText(text, request), replacedByTryingEach(text, request))
+                << printed(needle) << " in " << printed(text) << (matchCase ? " matching case" : "");
+        }
+    }
+}
+
+// A needle that repeats itself over a text of its repeats: long runs of overlapping matches,
+// most of which end inside a character or a folded "ß".
+TEST(LineTools, SearchingToolsOnRunsOfOverlappingMatches) {
+    struct Case {
+        std::u16string needle;
+        std::u16string text;
+    };
+    const std::vector<Case> cases = {
+        {repeated(u"s", 1001), repeated(u"\u00DF", 5000)},
+        {repeated(u"s", 1000), repeated(u"\u00DF", 5000)},
+        {u"s" + repeated(u"\u00DF", 500), u"x" + repeated(u"\u00DF", 5000)},
+        {repeated(u"e\u0301", 300) + u"e", repeated(u"e\u0301", 5000)},
+        {repeated(u"\U0001F600", 200), repeated(u"\U0001F600", 3001)},
+        {repeated(u"\u212Ak", 100), repeated(u"K", 5000)},
+    };
+    for (const Case &c : cases) {
+        EXPECT_EQ(containingLines(c.needle, c.text), containingByTryingEach(c.needle, c.text))
+            << printed(c.needle.substr(0, 4));
+        for (bool matchCase : {false, true}) {
+            const FindReplaceRequest request{c.needle, u"#", matchCase};
+            EXPECT_EQ(replacedText(c.text, request), replacedByTryingEach(c.text, request))
+                << printed(c.needle.substr(0, 4));
+        }
+    }
+    // The odd number of "s" never ends on a whole "ß"; the even one does, from the first.
+    EXPECT_EQ(replacedText(repeated(u"\u00DF", 5000), {repeated(u"s", 1001), u"#", false}),
+              repeated(u"\u00DF", 5000));
+    EXPECT_EQ(replacedText(repeated(u"\u00DF", 5000), {repeated(u"S", 1000), u"#", false}),
+              repeated(u"#", 10));
+    EXPECT_EQ(containingLines(repeated(u"s", 1001), repeated(u"\u00DF", 5000)), repeated(u"\u00DF", 5000));
+}
+
+// "a" × k + "b" and its kind over "a" × n: every position starts a long partial match.
+TEST(LineTools, SearchingToolsWithLongNeedlesOverLongRuns) {
+    const std::u16string as(1'000'000, u'a');
+    const std::u16string needles[] = {
+        std::u16string(99'999, u'a') + u'b',
+        u'b' + std::u16string(99'999, u'a'),
+        std::u16string(50'000, u'a') + u'b' + std::u16string(50'000, u'a'),
+    };
+    for (const std::u16string &needle : needles) {
+        EXPECT_EQ(containingLines(needle, as), u"");
+        EXPECT_EQ(replacedText(as, {needle, u"x", false}), as);
+        EXPECT_EQ(replacedText(as, {needle, u"x", true}), as);
+        EXPECT_EQ(splitText(as, needle), as);
+
+        const std::u16string withNeedle = u"A" + as + needle + u"B";
+        EXPECT_EQ(containingLines(needle, u"x\n" + withNeedle), withNeedle);
+        EXPECT_EQ(replacedText(withNeedle, {needle, u"x", true}), u"A" + as + u"xB");
+        EXPECT_EQ(splitText(withNeedle, needle), u"A" + as + u"\nB");
+    }
+    // Matches of a needle of "a"s one after the other, the last cut short.
+    const std::u16string needle(300'000, u'a');
+    EXPECT_EQ(replacedText(as, {needle, u"x", false}), u"xxx" + std::u16string(100'000, u'a'));
+    EXPECT_EQ(splitText(as, needle), u"\n\n\n" + std::u16string(100'000, u'a'));
+}
+
+TEST(LineTools, SearchingToolsWithNeedlesOutsideTheBasicPlane) {
+    const std::u16string loneHighSurrogate(1, char16_t(0xD83D));
+    EXPECT_EQ(containingLines(u"\U0001F600", u"a\U0001F601\n\U0001F600b\n" + loneHighSurrogate),
+              u"\U0001F600b");
+    EXPECT_EQ(replacedText(u"\U0001F600\U0001F601\U0001F600", {u"\U0001F600", u"-", true}), u"-\U0001F601-");
+    EXPECT_EQ(splitText(u"a\U0001F600b\U0001F600", u"\U0001F600"), u"a\nb\n");
+    // The Deseret capitals fold to small letters outside the BMP too.
+    EXPECT_EQ(containingLines(u"\U00010400", u"x\U00010428y\nz"), u"x\U00010428y");
+    EXPECT_EQ(replacedText(u"\U00010428\U00010400", {u"\U00010400", u"D", false}), u"DD");
+}
+
+// Lines far longer than the pieces a line is made caseless in, with matches across the places
+// it is cut.
+TEST(ContainingLines, FindsMatchesAcrossThePiecesOfALongLine) {
+    RandomText random(9);
+    std::u16string longLine;
+    while (longLine.size() < 300'000)
+        longLine += random.text(1) + (random.below(50) == 0 ? u"Stra\u00DFe" : u"");
+    std::erase(longLine, u'\n');
+    std::erase(longLine, u'\r');
+    const std::u16string text = u"short\n" + longLine + u"\nStrasse";
+    for (std::u16string needle : {u"STRASSE", u"e\u0301", u"\u00E9a", u"ss", u"k\u212A"})
+        EXPECT_EQ(containingLines(needle, text), containingByTryingEach(needle, text)) << printed(needle);
 }
 
 } // namespace
