@@ -28,7 +28,10 @@ namespace {
 using namespace glyphmill::lineTools;
 using glyphmill::TextStatistics;
 
-enum class Source { lineList, prose, html, rtf };
+// letterRun: "a" × n, then "b", then "a" × 99,999, the text of the long-needle entries.
+enum class Source { lineList, prose, html, rtf, letterRun };
+
+constexpr std::size_t longNeedleUnits = 100'000;
 
 struct Input {
     std::string bytes;
@@ -54,8 +57,12 @@ const Input &input(Source source, std::size_t minimumBytes) {
         case Source::rtf:
             made.bytes = glyphmill::bench::makeRtfDocument(minimumBytes);
             break;
+        case Source::letterRun:
+            made.bytes = std::string(minimumBytes - longNeedleUnits, 'a') + 'b' +
+                         std::string(longNeedleUnits - 1, 'a');
+            break;
         }
-        if (source == Source::lineList || source == Source::prose)
+        if (source == Source::lineList || source == Source::prose || source == Source::letterRun)
             made.text = glyphmill::utf8::decodeLossy(made.bytes);
     }
     return entry->second;
@@ -115,6 +122,19 @@ std::vector<Tool> allTools() {
     add("lines/replace/match-case", Source::lineList, [](const Input &in) {
         return replacedText(in.text, {u"report", u"summary", true}).size();
     });
+    // Needles of 100,000 units that match in part at every position of the text: "a" × 99,999
+    // then "b", found once at the end, and "b" then "a" × 99,999, whose search compares from the
+    // end in other searchers.
+    for (auto [needle, name] : {std::pair{std::u16string(longNeedleUnits - 1, u'a') + u'b', "a-then-b"},
+                                std::pair{u'b' + std::u16string(longNeedleUnits - 1, u'a'), "b-then-a"}}) {
+        add(std::string("lines/containing/long-needle/") + name, Source::letterRun,
+            [needle](const Input &in) { return containingLines(needle, in.text).size(); });
+        add(std::string("lines/replace/long-needle/") + name, Source::letterRun, [needle](const Input &in) {
+            return replacedText(in.text, {needle, u"x", false}).size();
+        });
+        add(std::string("lines/split/long-needle/") + name, Source::letterRun,
+            [needle](const Input &in) { return splitText(in.text, needle).size(); });
+    }
     add("stats/lines", Source::lineList,
         [](const Input &in) { return std::size_t(TextStatistics::compute(in.text).characters); });
     add("stats/prose", Source::prose,
