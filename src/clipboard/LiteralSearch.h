@@ -6,6 +6,8 @@
 // over "a" × n.
 #pragma once
 
+#include "transform/FastScan.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <string.h> // memmem
@@ -35,6 +37,15 @@ public:
     std::size_t find(std::u16string_view haystack, std::size_t from, Accept &&accept) const {
         if (needle_.empty() || from > haystack.size())
             return npos;
+        // One unit never overlaps itself: each occurrence is looked at once.
+        if (needle_.size() == 1) {
+            for (std::size_t at = scan::findAnyOf(haystack, from, needle_[0]); at < haystack.size();
+                 at = scan::findAnyOf(haystack, at + 1, needle_[0])) {
+                if (accept(at))
+                    return at;
+            }
+            return npos;
+        }
         // Byte offsets from here on; an occurrence at an odd one straddles two units and is
         // refused like any other.
         const auto *bytes = reinterpret_cast<const unsigned char *>(haystack.data());
