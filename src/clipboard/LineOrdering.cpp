@@ -327,13 +327,22 @@ template <typename Index>
 std::optional<std::u16string> uniqueLinesWith(const icu::Normalizer2 &nfd, std::u16string_view text) {
     GrowingBuffer<char16_t> decomposedForms; // NFD forms, each with a line feed after it
     std::size_t decomposedUsed = 0;
+    // The text or the forms past it, and the offset there.
+    auto whereStored = [&](Index position) -> std::pair<std::u16string_view, std::size_t> {
+        if (position < text.size())
+            return {text, position};
+        return {std::u16string_view(decomposedForms.data(), decomposedUsed), position - text.size()};
+    };
     auto storedForm = [&](Index position) {
-        std::u16string_view in = text;
-        if (position >= text.size()) {
-            in = std::u16string_view(decomposedForms.data(), decomposedUsed);
-            position = Index(position - text.size());
-        }
-        return in.substr(position, scan::findAnyOf(in, position, lineFeed) - position);
+        const auto [in, at] = whereStored(position);
+        return in.substr(at, scan::findAnyOf(in, at, lineFeed) - at);
+    };
+    // Without looking for the end of the stored form first, which takes longer than most
+    // comparisons.
+    auto isStored = [&](Index position, std::u16string_view form) {
+        const auto [in, at] = whereStored(position);
+        return in.size() - at >= form.size() && in.compare(at, form.size(), form) == 0 &&
+               (at + form.size() == in.size() || in[at + form.size()] == lineFeed);
     };
     auto hashOf = [](std::u16string_view form) {
         return shortHash<Index>(std::hash<std::u16string_view>{}(form));
@@ -361,7 +370,7 @@ std::optional<std::u16string> uniqueLinesWith(const icu::Normalizer2 &nfd, std::
             return false;
         }
         const auto existing = seen.findOrAdd(
-            hashOf(form), Index(position), [&](Index member) { return storedForm(member) == form; },
+            hashOf(form), Index(position), [&](Index member) { return isStored(member, form); },
             [&](Index member) { return hashOf(storedForm(member)); });
         if (existing)
             return true;
