@@ -32,6 +32,21 @@ public:
         words_[word] |= std::uint64_t(1) << (position % wordBits);
     }
 
+    // Every position in [first, last).
+    void addRange(std::size_t first, std::size_t last) {
+        if (first >= last)
+            return;
+        add(last - 1);
+        for (std::size_t word = first / wordBits; word <= (last - 1) / wordBits; ++word) {
+            std::uint64_t bits = ~std::uint64_t(0);
+            if (word == first / wordBits)
+                bits &= ~std::uint64_t(0) << (first % wordBits);
+            if (word == (last - 1) / wordBits && last % wordBits != 0)
+                bits &= ~(~std::uint64_t(0) << (last % wordBits));
+            words_[word] |= bits;
+        }
+    }
+
     bool contains(std::size_t position) const {
         const std::size_t word = position / wordBits;
         return word < words_.size() && (words_[word] >> (position % wordBits) & 1) != 0;
@@ -91,11 +106,20 @@ public:
         originalBoundaries_.add(0);
         std::size_t start = 0;
         while (start < original.size()) {
-            if (isPlainAsciiSegment(start)) {
-                char16_t unit = original[start];
-                units_.push_back(!matchCase_ && unit >= u'A' && unit <= u'Z' ? char16_t(unit | 0x20) : unit);
-                boundaries_.add(units_.size());
-                originalBoundaries_.add(++start);
+            // A run of ASCII characters, each its own segment, in one go.
+            std::size_t asciiEnd = start;
+            while (asciiEnd < original.size() && isPlainAsciiSegment(asciiEnd))
+                ++asciiEnd;
+            if (asciiEnd > start) {
+                const std::size_t formStart = units_.size();
+                for (std::size_t i = start; i < asciiEnd; ++i) {
+                    const char16_t unit = original[i];
+                    units_.push_back(!matchCase_ && unit >= u'A' && unit <= u'Z' ? char16_t(unit | 0x20)
+                                                                                 : unit);
+                }
+                boundaries_.addRange(formStart + 1, units_.size() + 1);
+                originalBoundaries_.addRange(start + 1, asciiEnd + 1);
+                start = asciiEnd;
                 continue;
             }
             std::size_t end = segmentEnd(start);
@@ -234,20 +258,40 @@ std::u16string replacedText(std::u16string_view text, const FindReplaceRequest &
         }
     };
 
-    // The matches are found twice rather than kept: the size of the result first, so that it
-    // is made in one allocation, then the result. A list of them would take 16 bytes a match.
+    // The size of the result first, so that it is made in one allocation. The matches are
+    // listed on the way while they are few; a text dense with them is searched a second time
+    // instead, since the list would take 16 bytes a match.
+    struct Match {
+        std::size_t start;
+        std::size_t end;
+    };
+    const std::size_t listLimit = text.size() / 32 + 16;
+    std::vector<Match> matches;
+    bool listed = true;
     std::size_t resultSize = text.size();
     forEachMatch([&](std::size_t start, std::size_t end) {
         resultSize = resultSize - (end - start) + request.replacement.size();
+        if (listed && matches.size() == listLimit) {
+            listed = false;
+            std::vector<Match>().swap(matches);
+        }
+        if (listed)
+            matches.push_back({start, end});
     });
     std::u16string result;
     result.reserve(resultSize);
     std::size_t copiedUpTo = 0;
-    forEachMatch([&](std::size_t start, std::size_t end) {
+    auto replace = [&](std::size_t start, std::size_t end) {
         result.append(text.substr(copiedUpTo, start - copiedUpTo));
         result.append(request.replacement);
         copiedUpTo = end;
-    });
+    };
+    if (listed) {
+        for (const Match &match : matches)
+            replace(match.start, match.end);
+    } else {
+        forEachMatch(replace);
+    }
     result.append(text.substr(copiedUpTo));
     return result;
 }
