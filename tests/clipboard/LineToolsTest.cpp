@@ -521,6 +521,22 @@ TEST(LineTools, SearchingToolsAgreeWithTryingEveryOccurrenceOnRandomTexts) {
     }
 }
 
+// Texts with more matches than replace lists, which it then finds a second time.
+TEST(ReplacedText, TextsDenseWithMatchesAgreeWithTryingEveryOccurrence) {
+    RandomText random(6);
+    for (int round = 0; round < 20; ++round) {
+        const std::u16string text = random.text(2000 + random.below(2000));
+        for (std::u16string needle : {u"s", u"a", u"\u00DF", u"e", u"\n", u"S"}) {
+            for (bool matchCase : {false, true}) {
+                const FindReplaceRequest request{needle, u"<>", matchCase};
+                EXPECT_EQ(replacedText(text, request), replacedByTryingEach(text, request))
+                    << printed(needle);
+            }
+        }
+    }
+    EXPECT_EQ(replacedText(repeated(u"ab", 10'000), {u"B", u"", false}), repeated(u"a", 10'000));
+}
+
 // A needle that repeats itself over a text of its repeats: long runs of overlapping matches,
 // most of which end inside a character or a folded "ß".
 TEST(LineTools, SearchingToolsOnRunsOfOverlappingMatches) {
