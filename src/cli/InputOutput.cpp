@@ -5,8 +5,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
+#include <new>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -15,6 +18,9 @@ namespace glyphmill::cli {
 namespace {
 
 constexpr std::size_t firstReadSize = std::size_t(1) << 16;
+// Files from this size on are read into memory of their own on huge pages.
+constexpr std::size_t largeFileBytes = std::size_t(1) << 20;
+constexpr std::size_t hugePageBytes = std::size_t(2) << 20;
 
 [[noreturn]] void failReading(const std::string &name, const std::string &reason) {
     fail(ExitStatus::unreadableInput, "cannot read " + name + ": " + reason);
@@ -51,6 +57,40 @@ std::size_t bytesLeftInFile(int descriptor, const struct stat &status) {
 
 } // namespace
 
+void InputBytes::Release::operator()(char *bytes) const noexcept {
+    if (mapped)
+        ::munmap(bytes, mapped);
+    else
+        delete[] bytes;
+}
+
+InputBytes::Buffer InputBytes::heapBuffer(std::size_t size) {
+    return Buffer(std::make_unique_for_overwrite<char[]>(size).release(), Release{0});
+}
+
+// Faulting a large buffer in page by page costs several times the reading itself, so a large file
+// gets anonymous memory aligned for transparent huge pages and asked for them, filled in at once.
+InputBytes::Buffer InputBytes::largeBuffer(std::size_t size) {
+    const std::size_t length = (size + hugePageBytes - 1) / hugePageBytes * hugePageBytes;
+    void *mapping =
+        ::mmap(nullptr, length + hugePageBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapping == MAP_FAILED)
+        throw std::bad_alloc();
+    const auto start = reinterpret_cast<std::uintptr_t>(mapping);
+    const std::uintptr_t aligned = (start + hugePageBytes - 1) & ~std::uintptr_t(hugePageBytes - 1);
+    if (aligned > start)
+        ::munmap(mapping, aligned - start);
+    if (const std::size_t tail = start + hugePageBytes - aligned)
+        ::munmap(reinterpret_cast<void *>(aligned + length), tail);
+    auto *bytes = reinterpret_cast<char *>(aligned);
+    // Hints: without them the buffer only fills in slower.
+    ::madvise(bytes, length, MADV_HUGEPAGE);
+#ifdef MADV_POPULATE_WRITE
+    ::madvise(bytes, length, MADV_POPULATE_WRITE);
+#endif
+    return Buffer(bytes, Release{length});
+}
+
 InputBytes InputBytes::fromFile(const std::string &path) {
     const std::string name = quoted(path);
     int descriptor;
@@ -86,7 +126,7 @@ InputBytes InputBytes::fromDescriptor(int descriptor, const std::string &name) {
     const std::size_t expected = bytesLeftInFile(descriptor, status);
     InputBytes input;
     std::size_t capacity = expected > 0 ? expected : firstReadSize;
-    input.bytes_ = std::make_unique_for_overwrite<char[]>(capacity);
+    input.bytes_ = capacity >= largeFileBytes ? largeBuffer(capacity) : heapBuffer(capacity);
     // Once the buffer is full, a small read tells whether the end was reached without making the
     // buffer larger for nothing.
     char probe[16384];
@@ -104,7 +144,7 @@ InputBytes InputBytes::fromDescriptor(int descriptor, const std::string &name) {
             break;
         if (full) {
             capacity = std::max(capacity * 2, input.size_ + static_cast<std::size_t>(count));
-            auto larger = std::make_unique_for_overwrite<char[]>(capacity);
+            Buffer larger = heapBuffer(capacity);
             std::memcpy(larger.get(), input.bytes_.get(), input.size_);
             input.bytes_ = std::move(larger);
             std::memcpy(input.bytes_.get() + input.size_, probe, static_cast<std::size_t>(count));

@@ -24,10 +24,19 @@ public:
     std::string_view bytes() const;
 
 private:
+    // Frees memory from new[] or, when mapped is set, a mapping of that many bytes.
+    struct Release {
+        std::size_t mapped;
+        void operator()(char *bytes) const noexcept;
+    };
+    using Buffer = std::unique_ptr<char[], Release>;
+
     InputBytes() = default;
     static InputBytes fromDescriptor(int descriptor, const std::string &name);
+    static Buffer heapBuffer(std::size_t size);
+    static Buffer largeBuffer(std::size_t size);
 
-    std::unique_ptr<char[]> bytes_;
+    Buffer bytes_;
     std::size_t size_ = 0;
 };
 
