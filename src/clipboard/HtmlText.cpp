@@ -9,18 +9,25 @@
 //   attribute), one TAB of indent per level of nesting.
 // - Table cells are separated by TAB, each row on a line of its own.
 // - Entities and character references are decoded; line breaks at the end are dropped.
+// Documents of any depth and length are read whole, and in time linear in their size.
 #include "clipboard/HtmlText.h"
 
+#include "clipboard/HtmlParserInput.h"
 #include "transform/Utf8.h"
 
 #include <libxml/HTMLparser.h>
+#include <libxml/SAX2.h>
+#include <libxml/dict.h>
 #include <libxml/globals.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
 #include <libxml/tree.h>
 #include <libxml/xmlerror.h>
 
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <cstring>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -68,6 +75,10 @@ ElementKind kindOf(const xmlNode *element) {
     auto found = kinds.find(reinterpret_cast<const char *>(element->name));
     return found == kinds.end() ? ElementKind::inlineContent : found->second;
 }
+
+// The only attributes the text depends on (below); the others may be left out before parsing, so a
+// rule that reads another attribute needs it added here.
+constexpr std::string_view readAttributes[] = {"hidden", "style", "start"};
 
 struct XmlStringFree {
     void operator()(xmlChar *text) const { xmlFree(text); }
@@ -346,6 +357,41 @@ private:
 struct DocumentFree {
     void operator()(xmlDoc *document) const { xmlFreeDoc(document); }
 };
+using Document = std::unique_ptr<xmlDoc, DocumentFree>;
+
+struct ParserContextFree {
+    void operator()(xmlParserCtxt *context) const { xmlFreeParserCtxt(context); }
+};
+
+// What htmlReadMemory does, without its limits: XML_PARSE_HUGE lifts the nesting limit (libxml2
+// stops the whole parse below 256 open elements otherwise) and the 10,000,000-byte limit on a text
+// node; the dictionary of names gets no limit either (past about 22 MB of names it refuses new
+// ones, and libxml2 then loops forever at the next tag). A named encoding is used as it is,
+// whatever the document says.
+Document parsedHtml(std::string_view bytes, const char *encoding) {
+    std::unique_ptr<xmlParserCtxt, ParserContextFree> context(
+        xmlCreateMemoryParserCtxt(bytes.data(), static_cast<int>(bytes.size())));
+    if (!context || !context->sax || !context->input)
+        return nullptr;
+    htmlDefaultSAXHandlerInit();
+    std::memcpy(context->sax, &htmlDefaultSAXHandler, sizeof(xmlSAXHandlerV1));
+    htmlCtxtUseOptions(context.get(), HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
+                                          HTML_PARSE_NONET | XML_PARSE_HUGE);
+    xmlDictSetLimit(context->dict, 0);
+    context->html = 1;
+    if (encoding) {
+        xmlCharEncodingHandlerPtr handler = xmlFindCharEncodingHandler(encoding);
+        if (!handler)
+            return nullptr;
+        xmlSwitchToEncoding(context.get(), handler);
+        xmlFree(const_cast<xmlChar *>(context->input->encoding));
+        context->input->encoding = xmlStrdup(reinterpret_cast<const xmlChar *>(encoding));
+    }
+    htmlParseDocument(context.get());
+    Document document(context->myDoc);
+    context->myDoc = nullptr;
+    return document;
+}
 
 // Windows-style clipboard HTML starts with "Version:0.9" and byte offsets before the markup.
 std::string_view withoutClipboardHeader(std::string_view html) {
@@ -381,10 +427,11 @@ std::optional<std::u16string> htmlVisibleText(std::string_view html) {
         return std::nullopt;
     const SilencedParserMessages silenced;
     // With no encoding named, libxml2 follows a byte-order mark or a <meta> charset and reads
-    // UTF-8 otherwise (Latin-1 when the bytes are not UTF-8).
-    std::unique_ptr<xmlDoc, DocumentFree> document(
-        htmlReadMemory(html.data(), int(html.size()), nullptr, nullptr,
-                       HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET));
+    // UTF-8 otherwise (Latin-1 when the bytes are not UTF-8). A rewritten document is UTF-8.
+    const auto rewritten = htmlForParser(html, readAttributes);
+    Document document = rewritten && rewritten->size() <= std::size_t(INT32_MAX)
+                            ? parsedHtml(*rewritten, "UTF-8")
+                            : parsedHtml(html, nullptr);
     if (!document)
         return std::nullopt;
     return utf8::decodeLossy(TreeTextCollector().collect(document.get()));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 
 namespace glyphmill::clipboard {
@@ -84,16 +85,73 @@ TEST(HtmlTextTest, EmptyInputGivesNone) {
     EXPECT_EQ(htmlVisibleText(" \n "), u"");
 }
 
+std::string repeated(std::string_view piece, std::size_t count) {
+    std::string out;
+    out.reserve(piece.size() * count);
+    for (std::size_t i = 0; i < count; ++i)
+        out += piece;
+    return out;
+}
+
 TEST(HtmlTextTest, DeepNestingAndUnclosedElements) {
-    std::string deep;
-    for (int i = 0; i < 100; ++i)
-        deep += "<div><span>";
-    EXPECT_EQ(htmlVisibleText(deep + "x"), u"x");
-    // The parser stops nesting at 256 levels; what lies deeper is lost, but nothing breaks.
-    for (int i = 0; i < 20000; ++i)
-        deep += "<div><span>";
-    EXPECT_NE(htmlVisibleText(deep + "x"), std::nullopt);
+    EXPECT_EQ(htmlVisibleText(repeated("<div><span>", 100) + "x"), u"x");
+    // Pasted mail leaves hundreds of spans open; all that lies deeper is read.
+    EXPECT_EQ(htmlVisibleText("<p>a" + repeated("<span>", 400) + "b<div>c</div>d"), u"ab\nc\nd");
+    EXPECT_EQ(htmlVisibleText(repeated("<span>", 100000) + "deep" + repeated("</span>", 100000) + " end"),
+              u"deep end");
+    EXPECT_EQ(htmlVisibleText(repeated("<div><b>", 50000) + "x<p>y"), u"x\ny");
+    // End tags of elements that are not open, inside a deep document (libxml2 looks for each).
+    EXPECT_EQ(htmlVisibleText("<b>a</b>" + repeated("<span>", 20000) + repeated("</b>x", 20000)),
+              u"a" + std::u16string(20000, u'x'));
+    EXPECT_EQ(htmlVisibleText(repeated("<span>", 20000) + "<script>" + repeated("</scriptx>y</a>", 5000) +
+                              "</script>" + repeated("<body>z", 3)),
+              u"zzz");
     EXPECT_EQ(htmlVisibleText("<p>a<table><tr><td>b"), u"a\nb");
+}
+
+TEST(HtmlTextTest, TextNodesPastTenMillionBytesAreKeptWhole) {
+    const std::string text(12'000'000, 'a');
+    const auto visible = htmlVisibleText("<p>" + text + "b</p><p>after</p>");
+    ASSERT_TRUE(visible);
+    EXPECT_EQ(visible->size(), text.size() + 7);
+    EXPECT_TRUE(visible->ends_with(u"ab\nafter"));
+}
+
+TEST(HtmlTextTest, ManyAttributesLeaveTheTextAsItWas) {
+    std::string attributes;
+    for (int i = 0; i < 40000; ++i)
+        attributes += " data-a" + std::to_string(i) + "=\"v " + std::to_string(i) + "\"";
+    const std::string page = "<div" + attributes + ">shown</div><span" + attributes +
+                             " hidden>not shown</span>" + "<span style=\"color: red\"" + attributes +
+                             " style=\"display: none\">first style</span>" + "<ol" + attributes +
+                             " START=\"7\"><li>seventh</ol><p" + attributes + ">last";
+    EXPECT_EQ(htmlVisibleText(page), u"shown\nfirst style\n7. seventh\nlast");
+    // Declared and detected encodings are read as before.
+    EXPECT_EQ(htmlVisibleText("<meta charset=\"windows-1251\"><p" + attributes + ">\xCF\xF0\xE8</p>"),
+              u"При");
+    std::string utf16 = "\xFF\xFE";
+    for (char c : std::string("<p" + attributes.substr(0, 20000) + ">")) {
+        utf16 += c;
+        utf16 += '\0';
+    }
+    utf16 += std::string("\xE9\0", 2);
+    EXPECT_EQ(htmlVisibleText(utf16), u"é");
+}
+
+TEST(HtmlTextTest, ManyDistinctNamesDoNotStopTheParser) {
+    // libxml2 keeps every name it meets in a dictionary that would refuse new ones after about
+    // 22 MB, and then loop forever at the next tag whose name no longer fits.
+    std::string page;
+    page.reserve(26'000'000);
+    char name[128];
+    for (int i = 0; page.size() < 25'000'000; ++i) {
+        std::snprintf(name, sizeof name, "&n%097d ", i);
+        page += name;
+    }
+    page += "<z" + std::string(99, '0') + ">end";
+    const auto visible = htmlVisibleText(page);
+    ASSERT_TRUE(visible);
+    EXPECT_TRUE(visible->ends_with(u" end"));
 }
 
 } // namespace
