@@ -24,4 +24,18 @@ std::string makeRtfDocument(std::size_t minimumBytes);
 
 // Each of these ends with the element, row or line that reaches minimumBytes.
 
+// Pages made to be hard on an HTML reader, as a hostile site could put them on the clipboard.
+enum class HostileHtml {
+    attributesInOneTag,     // one start tag with all attributes of the page
+    tagsWithManyAttributes, // paragraphs of 1,000 attributes each
+    nestedUnclosedElements, // spans opened and never closed, a word every hundred
+    oneTextNode,            // a single paragraph of words
+    longAttributeValues,    // values of 100,000 bytes
+    manyComments,           // a comment before every word
+    endTagsInDeepNesting,   // 100,000 open spans, then end tags of elements not open among words
+    bodyTagsInDeepNesting,  // 100,000 open spans, then <body> tags among words
+};
+
+std::string makeHostileHtml(HostileHtml shape, std::size_t minimumBytes);
+
 } // namespace glyphmill::bench

@@ -3,6 +3,8 @@
 // are of the UTF-8 size of the input; decoding it to UTF-16 for the line tools is not timed.
 // The scaling entries time both sizes in one run, so that a change of machine load between two
 // entries cannot skew their ratio: linear work gives about 10, sorting a little more.
+// html-to-text/hostile/… are pages made to be hard on the HTML reader (HostileHtml), at 5 MB
+// (the single text node at 20 MB): each should take well under a second.
 #include "ClipboardCorpus.h"
 #include "Corpus.h"
 
@@ -20,6 +22,7 @@
 #include <malloc.h>
 #include <map>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -29,7 +32,9 @@ using namespace glyphmill::lineTools;
 using glyphmill::TextStatistics;
 
 // letterRun: "a" × n, then "b", then "a" × 99,999, the text of the long-needle entries.
-enum class Source { lineList, prose, html, rtf, letterRun };
+enum class Source { lineList, prose, html, rtf, letterRun, hostileHtml };
+
+using glyphmill::bench::HostileHtml;
 
 constexpr std::size_t longNeedleUnits = 100'000;
 
@@ -39,9 +44,9 @@ struct Input {
 };
 
 // Built on first use and shared by every entry that measures the same input.
-const Input &input(Source source, std::size_t minimumBytes) {
-    static std::map<std::pair<Source, std::size_t>, Input> cache;
-    auto [entry, inserted] = cache.try_emplace({source, minimumBytes});
+const Input &input(Source source, std::size_t minimumBytes, HostileHtml shape = {}) {
+    static std::map<std::tuple<Source, std::size_t, HostileHtml>, Input> cache;
+    auto [entry, inserted] = cache.try_emplace({source, minimumBytes, shape});
     if (inserted) {
         Input &made = entry->second;
         switch (source) {
@@ -61,6 +66,9 @@ const Input &input(Source source, std::size_t minimumBytes) {
             made.bytes = std::string(minimumBytes - longNeedleUnits, 'a') + 'b' +
                          std::string(longNeedleUnits - 1, 'a');
             break;
+        case Source::hostileHtml:
+            made.bytes = glyphmill::bench::makeHostileHtml(shape, minimumBytes);
+            break;
         }
         if (source == Source::lineList || source == Source::prose || source == Source::letterRun)
             made.text = glyphmill::utf8::decodeLossy(made.bytes);
@@ -76,6 +84,7 @@ struct Tool {
     std::string name;
     Source source;
     Run run;
+    HostileHtml shape{};
 };
 
 // A log line of a warning or error, as a user would type the pattern.
@@ -143,6 +152,19 @@ std::vector<Tool> allTools() {
         [](const Input &in) { return glyphmill::clipboard::htmlVisibleText(in.bytes).value_or(u"").size(); });
     add("rtf-to-text", Source::rtf,
         [](const Input &in) { return glyphmill::clipboard::rtfVisibleText(in.bytes).value_or(u"").size(); });
+    for (auto [shape, name] : {std::pair{HostileHtml::attributesInOneTag, "attributes-in-one-tag"},
+                               std::pair{HostileHtml::tagsWithManyAttributes, "tags-with-many-attributes"},
+                               std::pair{HostileHtml::nestedUnclosedElements, "nested-unclosed-elements"},
+                               std::pair{HostileHtml::oneTextNode, "one-text-node"},
+                               std::pair{HostileHtml::longAttributeValues, "long-attribute-values"},
+                               std::pair{HostileHtml::manyComments, "many-comments"},
+                               std::pair{HostileHtml::endTagsInDeepNesting, "end-tags-in-deep-nesting"},
+                               std::pair{HostileHtml::bodyTagsInDeepNesting, "body-tags-in-deep-nesting"}}) {
+        add(std::string("html-to-text/hostile/") + name, Source::hostileHtml, [](const Input &in) {
+            return glyphmill::clipboard::htmlVisibleText(in.bytes).value_or(u"").size();
+        });
+        tools.back().shape = shape;
+    }
     return tools;
 }
 
@@ -154,7 +176,7 @@ bool producesOutput(benchmark::State &state, const Tool &tool, const Input &in) 
 }
 
 void measureOne(benchmark::State &state, const Tool &tool, std::size_t minimumBytes) {
-    const Input &in = input(tool.source, minimumBytes);
+    const Input &in = input(tool.source, minimumBytes, tool.shape);
     if (!producesOutput(state, tool, in))
         return;
     for ([[maybe_unused]] auto _ : state)
@@ -179,8 +201,8 @@ double secondsToRun(const Tool &tool, const Input &in) {
 }
 
 void measureScaling(benchmark::State &state, const Tool &tool) {
-    const Input &small = input(tool.source, 1'000'000);
-    const Input &large = input(tool.source, 10'000'000);
+    const Input &small = input(tool.source, 1'000'000, tool.shape);
+    const Input &large = input(tool.source, 10'000'000, tool.shape);
     if (!producesOutput(state, tool, small))
         return;
     double smallSeconds = 0;
@@ -206,6 +228,14 @@ void registerAll() {
     static const std::vector<Tool> tools = allTools();
     const std::pair<const char *, std::size_t> sizes[] = {{"1MB", 1'000'000}, {"10MB", 10'000'000}};
     for (const Tool &tool : tools) {
+        if (tool.source == Source::hostileHtml) {
+            const bool isText = tool.shape == HostileHtml::oneTextNode;
+            std::string name = tool.name + (isText ? "/20MB" : "/5MB");
+            benchmark::RegisterBenchmark(name.c_str(), measureOne, std::cref(tool),
+                                         isText ? 20'000'000 : 5'000'000)
+                ->Unit(benchmark::kMillisecond);
+            continue;
+        }
         for (auto [sizeName, bytes] : sizes) {
             std::string name = tool.name + "/" + sizeName;
             benchmark::RegisterBenchmark(name.c_str(), measureOne, std::cref(tool), bytes)

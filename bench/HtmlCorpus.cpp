@@ -300,4 +300,62 @@ std::string makeHtmlPage(std::size_t minimumBytes) {
     return HtmlGenerator(minimumBytes).generate();
 }
 
+std::string makeHostileHtml(HostileHtml shape, std::size_t minimumBytes) {
+    SeededRandom random(htmlSeed);
+    auto word = [&random] { return std::string(random.pick(vocabulary::commonWords)); };
+    std::string out;
+    out.reserve(minimumBytes + 200'000);
+    auto repeatUntilFull = [&](auto &&piece) {
+        while (out.size() < minimumBytes)
+            piece();
+    };
+    switch (shape) {
+    case HostileHtml::attributesInOneTag:
+        out += "<p";
+        for (std::size_t i = 0; out.size() < minimumBytes; ++i)
+            out += " data-a" + std::to_string(i) + "=\"" + word() + "\"";
+        out += ">" + word() + "</p>";
+        break;
+    case HostileHtml::tagsWithManyAttributes:
+        repeatUntilFull([&] {
+            out += "<p";
+            for (int i = 0; i < 1000; ++i)
+                out += " data-a" + std::to_string(i) + "=\"" + word() + "\"";
+            out += ">" + word() + " " + word() + "</p>\n";
+        });
+        break;
+    case HostileHtml::nestedUnclosedElements:
+        for (std::size_t i = 0; out.size() < minimumBytes; ++i)
+            out += i % 100 == 0 ? "<span>" + word() + " " : std::string("<span>");
+        break;
+    case HostileHtml::oneTextNode:
+        out += "<p>";
+        repeatUntilFull([&] { out += word() + " "; });
+        out += "</p>";
+        break;
+    case HostileHtml::longAttributeValues:
+        repeatUntilFull([&] {
+            out += "<p title=\"";
+            for (const std::size_t start = out.size(); out.size() - start < 100'000;)
+                out += word() + " ";
+            out += "\" style=\"color: #333\">" + word() + "</p>\n";
+        });
+        break;
+    case HostileHtml::manyComments:
+        repeatUntilFull([&] { out += "<!-- " + word() + " -->" + word() + " "; });
+        break;
+    case HostileHtml::endTagsInDeepNesting:
+    case HostileHtml::bodyTagsInDeepNesting:
+        out += "<b>" + word() + "</b>";
+        for (int i = 0; i < 100'000; ++i)
+            out += "<span>";
+        repeatUntilFull([&] {
+            out += shape == HostileHtml::endTagsInDeepNesting ? "</b></table></li>" : "<body>";
+            out += word() + " ";
+        });
+        break;
+    }
+    return out;
+}
+
 } // namespace glyphmill::bench
