@@ -20,15 +20,25 @@ bool hugePagesOnRequest() {
     return modes.find("[madvise]") != std::string::npos;
 }
 
+// What is left to read of a regular file; 0 for anything else.
+off_t regularFileBytesAhead(const std::optional<std::string> &file) {
+    struct stat status {};
+    if (file ? ::stat(file->c_str(), &status) != 0 : ::fstat(STDIN_FILENO, &status) != 0)
+        return 0;
+    if (!S_ISREG(status.st_mode))
+        return 0;
+    if (file)
+        return status.st_size;
+    const off_t position = ::lseek(STDIN_FILENO, 0, SEEK_CUR);
+    return position < 0 ? 0 : status.st_size - position;
+}
+
 } // namespace
 
-void restartOnHugePagesForLargeFile(char **argv, const std::string &file) {
+void restartOnHugePages(char **argv) {
     const char *tunables = std::getenv("GLIBC_TUNABLES");
     if (tunables && std::strstr(tunables, tunableName))
         return; // already restarted, or the user chose
-    struct stat status {};
-    if (::stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < largeFileBytes)
-        return;
     if (!hugePagesOnRequest())
         return;
     std::string value = std::string(tunableName) + "=1";
@@ -40,6 +50,11 @@ void restartOnHugePagesForLargeFile(char **argv, const std::string &file) {
     ::unsetenv("GLIBC_TUNABLES"); // the restart failed: carry on as we are
     if (tunables)
         ::setenv("GLIBC_TUNABLES", tunables, 1);
+}
+
+void restartOnHugePagesForLargeInput(char **argv, const std::optional<std::string> &file) {
+    if (regularFileBytesAhead(file) >= largeFileBytes)
+        restartOnHugePages(argv);
 }
 
 } // namespace glyphmill::cli
