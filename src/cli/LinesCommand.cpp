@@ -47,6 +47,25 @@ std::u16string regexPattern(const LinesRequest &request) {
     return pattern;
 }
 
+// Numbering is line by line, so a long text is numbered and written a piece of whole lines at a
+// time: on one-character lines the whole numbered text would be five times the input.
+void writeNumberedLines(std::u16string_view text, NumberingStyle style) {
+    constexpr std::size_t pieceUnits = std::size_t(1) << 20;
+    std::size_t firstNumber = 1;
+    do {
+        std::size_t end = text.size();
+        if (text.size() > pieceUnits) {
+            const std::size_t lineFeed = text.find(u'\n', pieceUnits);
+            if (lineFeed != std::u16string_view::npos)
+                end = lineFeed + 1;
+        }
+        const std::u16string_view piece = text.substr(0, end);
+        writeStandardOutput(numberedLines(piece, style, firstNumber));
+        firstNumber += lineCount(piece);
+        text.remove_prefix(end);
+    } while (!text.empty());
+}
+
 } // namespace
 
 ExitStatus runLines(const LinesRequest &request) {
@@ -73,6 +92,10 @@ ExitStatus runLines(const LinesRequest &request) {
     }
 
     const std::u16string text = readText(request.input);
+    if (request.tool == LinesTool::number) {
+        writeNumberedLines(text, request.numberingStyle);
+        return ExitStatus::success;
+    }
     std::u16string result;
     switch (request.tool) {
     case LinesTool::sort:
@@ -90,8 +113,7 @@ ExitStatus runLines(const LinesRequest &request) {
     case LinesTool::fixWhitespace:
         result = fixedWhitespace(text);
         break;
-    case LinesTool::number:
-        result = numberedLines(text, request.numberingStyle);
+    case LinesTool::number: // written above
         break;
     case LinesTool::join:
         result = joinedLines(text, separatorText(request.joinSeparator));

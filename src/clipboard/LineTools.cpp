@@ -232,15 +232,15 @@ std::u16string nonEmptyLines(std::u16string_view text) {
     return result;
 }
 
-std::u16string numberedLines(std::u16string_view text, NumberingStyle style) {
+std::u16string numberedLines(std::u16string_view text, NumberingStyle style, std::size_t firstNumber) {
     const std::size_t lines = lineCount(text);
     // A label and its space take at most the digits of the last number, a zero, the mark and
     // the space.
     std::u16string result;
-    result.reserve(text.size() + lines * (decimalDigits(lines) + 3));
-    std::size_t index = 0;
+    result.reserve(text.size() + lines * (decimalDigits(firstNumber + lines) + 3));
+    std::size_t index = firstNumber - 1;
     forEachLine(text, [&](std::u16string_view line) {
-        if (index > 0)
+        if (index >= firstNumber)
             result.push_back(lineFeed);
         ++index;
         std::u16string_view trimmed = trimmedWhiteSpace(line);

@@ -85,7 +85,9 @@ inline bool endsWithLineBreak(std::u16string_view text) {
 std::u16string sortedLines(std::u16string_view text);
 std::u16string uniqueLines(std::u16string_view text);
 std::u16string nonEmptyLines(std::u16string_view text);
-std::u16string numberedLines(std::u16string_view text, NumberingStyle style);
+// firstNumber is that of the text's first line: a long text can be numbered a piece of whole
+// lines at a time.
+std::u16string numberedLines(std::u16string_view text, NumberingStyle style, std::size_t firstNumber = 1);
 std::u16string bulletedLines(std::u16string_view text);
 std::u16string joinedLines(std::u16string_view text, std::u16string_view separator);
 std::u16string splitText(std::u16string_view text, std::u16string_view delimiter);

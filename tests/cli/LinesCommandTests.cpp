@@ -132,5 +132,31 @@ TEST_F(LinesCommand, HelpAtEveryLevelWinsOverMistakes) {
         EXPECT_TRUE(output({command, "--help"}).starts_with("Usage: glyphmill " + command));
 }
 
+// Long texts are numbered a piece at a time: the numbers run on across the pieces, and a line
+// longer than a piece, blank lines and characters outside the BMP stay whole.
+TEST_F(LinesCommand, NumberingALongTextGivesWhatNumberingItWholeGives) {
+    std::string input, expected;
+    const std::string longLine(1'300'000, 'w');
+    for (int index = 1; index <= 400'000; ++index) {
+        std::string line = index % 7 == 0 ? "  " : index % 5 == 0 ? " \xF0\x9F\x98\x80 x" : "line";
+        if (index == 150'000)
+            line = longLine;
+        input += line + "\n";
+        const bool blank = line.find_first_not_of(' ') == std::string::npos;
+        expected +=
+            (blank ? line : std::to_string(index) + ". " + line.substr(line.find_first_not_of(' '))) + "\n";
+    }
+    input += "last";
+    expected += "400001. last";
+    // Compared by hand: a failure message of two 3 MB strings would take gigabytes to make.
+    const std::string numbered = output({"lines", "number"}, input);
+    const auto [mismatch, unused] =
+        std::mismatch(numbered.begin(), numbered.end(), expected.begin(), expected.end());
+    const auto at = std::size_t(mismatch - numbered.begin());
+    EXPECT_TRUE(numbered == expected)
+        << "sizes " << numbered.size() << " and " << expected.size() << ", first difference at byte " << at
+        << ": \"" << numbered.substr(at, 40) << "\" instead of \"" << expected.substr(at, 40) << '"';
+}
+
 } // namespace
 } // namespace glyphmill::testing
