@@ -20,14 +20,13 @@ void SelectionServicesProvider::showServicesHelp() {
     alert.setWindowTitle(QStringLiteral("Glyphmill"));
     alert.setText(QStringLiteral("Transform Text with Services"));
     alert.setInformativeText(QStringLiteral(
-        "Select text in any app, then choose Services → Glyphmill from that app's menu bar (or right-click "
-        "the "
-        "selection and choose Services).\n\n"
+        "Select text in an editor, then filter it through glyphmill service KIND (smart-case, "
+        "title-case, uppercase, lowercase or capitalize-words); other programs can send text to "
+        "Glyphmill over D-Bus instead.\n\n"
         "Available actions: Smart Case, Title Case, UPPERCASE, lowercase, and Capitalize Words.\n\n"
         "Services transform text in place and do not require Accessibility permission.\n\n"
-        "To add a keyboard shortcut, open System Settings → Keyboard → Keyboard Shortcuts → Services and "
-        "enable "
-        "the Glyphmill actions you want."));
+        "To add a keyboard shortcut, open your desktop's keyboard shortcut settings and add a custom "
+        "shortcut that runs a glyphmill command, such as glyphmill clipboard title-case."));
     const QIcon icon = QApplication::windowIcon();
     if (!icon.isNull())
         alert.setIconPixmap(icon.pixmap(64, 64));

@@ -50,7 +50,8 @@ QDialog *buildExplanationPanel() {
                        "screen. Other Glyphmill tools do not need this permission."),
         panel));
     QLabel *privacy = wrappingLabel(
-        QStringLiteral("Recognition stays on this Mac. Captures are not saved or sent anywhere."), panel);
+        QStringLiteral("Recognition stays on this computer. Captures are not saved or sent anywhere."),
+        panel);
     privacy->setForegroundRole(QPalette::PlaceholderText);
     column->addWidget(privacy);
     column->addStretch();
@@ -97,8 +98,8 @@ void bringForward(QWidget *panel) {
 void showScreenRecordingAlert() {
     const bool openSettings = platformServices().dialogs->confirm(
         u"Screen Recording Is Required",
-        u"Turn on Glyphmill in System Settings → Privacy & Security → Screen Recording, then try Capture "
-        u"Text from Screen again.",
+        u"Glyphmill can read the screen only in an X11 session. Log in to an X11 session, then try "
+        u"Capture Text from Screen again.",
         u"Open Settings", u"Cancel");
     if (openSettings)
         openScreenRecordingSettings();

@@ -188,7 +188,7 @@ QString screenCaptureFooterText(const AppSettings &settings) {
     return QStringLiteral("Press ") + chordText(settings, KeyboardShortcutID::screenCapture) +
            QStringLiteral(
                " and drag to copy text visible on screen, including images. This uses Screen "
-               "Recording only for that capture. Recognition stays on this Mac and is not retained.");
+               "Recording only for that capture. Recognition stays on this computer and is not retained.");
 }
 
 void buildGeneral(FormBuilder &form) {
@@ -249,10 +249,9 @@ void buildKeyboardShortcuts(FormBuilder &form) {
                        "app may be using it."),
         QStringLiteral("pastePlainTextShortcutNote"), &AppSettings::pastePlainTextShortcutRegistrationFailed,
         &AppSettings::pastePlainTextShortcutRegistrationFailedChanged);
-    form.footer(
-        QStringLiteral("Click a shortcut, then press a new combination. Combinations must include "
-                       "Command, Control, or Option. Press Delete to restore that shortcut’s default."),
-        QStringLiteral("keyboardShortcutsFooter"));
+    form.footer(QStringLiteral("Click a shortcut, then press a new combination. Combinations must include "
+                               "Super, Ctrl, or Alt. Press Delete to restore that shortcut’s default."),
+                QStringLiteral("keyboardShortcutsFooter"));
 }
 
 void buildSmartCase(FormBuilder &form) {
@@ -310,8 +309,8 @@ void buildServices(FormBuilder &form) {
             open();
     });
     form.footer(
-        QStringLiteral("Select text in any app, then choose Services → Glyphmill from that app's menu bar "
-                       "or context menu. Services work without special permissions."),
+        QStringLiteral("Select text in an editor, then filter it through the glyphmill service command, "
+                       "or send it to Glyphmill over D-Bus. Services work without special permissions."),
         QStringLiteral("servicesFooter"));
 }
 
@@ -341,9 +340,10 @@ void buildAbout(FormBuilder &form) {
     row->addWidget(version);
     form.addToGroup(versionRow);
     form.addToGroup(secondaryLabel(
-        QStringLiteral("Screen Text Capture is processed on this Mac and is not retained."), 0.9, nullptr));
+        QStringLiteral("Screen Text Capture is processed on this computer and is not retained."), 0.9,
+        nullptr));
     const auto review = QStringLiteral("Love Glyphmill? Your review helps us grow!");
-    form.link(review, review, QStringLiteral("Opens the App Store so you can write a review"),
+    form.link(review, review, QStringLiteral("Opens Glyphmill's review page so you can write a review"),
               links.reviewUrl);
     form.link(QStringLiteral("Feedback / Questions"), QStringLiteral("Send feedback or questions by email"),
               {}, links.feedbackAddress.empty() ? std::string() : "mailto:" + links.feedbackAddress);

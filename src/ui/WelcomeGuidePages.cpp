@@ -272,9 +272,9 @@ QString WelcomeFeatureRow::message() const {
 QWidget *makeIntroductionPage(QWidget *parent) {
     auto *page = new QWidget(parent);
     QVBoxLayout *layout = pageLayout(page, 12);
-    layout->addWidget(new WelcomeGuideHeader(QStringLiteral("Welcome to Glyphmill"),
-                                             QStringLiteral("The fastest way to format text on your Mac."),
-                                             true, page));
+    layout->addWidget(new WelcomeGuideHeader(
+        QStringLiteral("Welcome to Glyphmill"),
+        QStringLiteral("The fastest way to format text on this computer."), true, page));
     QVBoxLayout *rows = stack(layout, page, 10);
     rows->addWidget(new WelcomeFeatureRow(
         QStringLiteral("font-x-generic"), QStringLiteral("Instant Text Formatting"),
@@ -282,14 +282,16 @@ QWidget *makeIntroductionPage(QWidget *parent) {
         page));
     rows->addWidget(new WelcomeFeatureRow(
         QStringLiteral("input-mouse"), QStringLiteral("Work Anywhere"),
-        QStringLiteral("Format text using the menu bar, floating palette, or macOS Services."), page));
+        QStringLiteral("Format text using the system tray menu, floating palette, or Glyphmill's Services "
+                       "(D-Bus and the glyphmill service command)."),
+        page));
     rows->addWidget(
         new WelcomeFeatureRow(QStringLiteral("tools-check-spelling"), QStringLiteral("More Text Tools"),
                               QStringLiteral("Capture text from your screen, process lines, clean "
                                              "formatting, and restore clipboard history."),
                               page));
     layout->addWidget(symbolLabel(QStringLiteral("security-high"),
-                                  QStringLiteral("All text processing happens locally on your Mac."),
+                                  QStringLiteral("All text processing happens locally on this computer."),
                                   TextStyle::callout, true, page));
     return page;
 }
@@ -319,9 +321,10 @@ PaletteAndServicesPage::PaletteAndServicesPage(const OnboardingContext &context,
                                     TextStyle::headline, false, this));
     services->addWidget(welcomeStyle::label(
         QStringLiteral(
-            "This Mac App Store version does not use Accessibility Access to replace selected text. "
-            "Choose Services \u2192 Glyphmill to transform a selection in place. Text is processed "
-            "locally and is never transmitted."),
+            "This build does not use Accessibility Access to replace selected text: it works through "
+            "the clipboard and a synthetic paste. To transform a selection in place, filter it through "
+            "the glyphmill service command from your editor. Text is processed locally and is never "
+            "transmitted."),
         TextStyle::body, true, this));
     QPushButton *help = welcomeStyle::linkButton(QStringLiteral("How to Use Services\u2026"), this);
     connect(help, &QPushButton::clicked, this, [] {
@@ -330,7 +333,8 @@ PaletteAndServicesPage::PaletteAndServicesPage(const OnboardingContext &context,
     });
     services->addWidget(help);
     services->addWidget(welcomeStyle::label(
-        QStringLiteral("Clipboard formatting and macOS Services work without Accessibility Access."),
+        QStringLiteral("Clipboard formatting and Glyphmill's Services (D-Bus and the glyphmill service "
+                       "command) work without Accessibility Access."),
         TextStyle::callout, true, this));
 
     AppSettings &settings = context_.settings;
@@ -380,14 +384,14 @@ QString PaletteAndServicesPage::exampleResult() const {
 ReadyPage::ReadyPage(const OnboardingContext &context, QWidget *parent) : QWidget(parent), context_(context) {
     QVBoxLayout *layout = pageLayout(this, 14);
     layout->addWidget(new WelcomeGuideHeader(
-        QStringLiteral("You're Ready!"),
-        QStringLiteral("Glyphmill is now available from your Mac's menu bar."), true, this));
+        QStringLiteral("You're Ready!"), QStringLiteral("Glyphmill is now available from the system tray."),
+        true, this));
     QVBoxLayout *rows = stack(layout, this, 12);
     paletteRow_ = new WelcomeFeatureRow(QStringLiteral("input-keyboard"), QStringLiteral("Floating Palette"),
                                         QString(), this);
     rows->addWidget(paletteRow_);
     rows->addWidget(new WelcomeFeatureRow(
-        QStringLiteral("user-desktop"), QStringLiteral("Menu Bar Tools"),
+        QStringLiteral("user-desktop"), QStringLiteral("System Tray Tools"),
         QStringLiteral(
             "Format clipboard text, capture text from your screen, and access additional utilities."),
         this));
@@ -395,7 +399,7 @@ ReadyPage::ReadyPage(const OnboardingContext &context, QWidget *parent) : QWidge
         QStringLiteral("preferences-system"), QStringLiteral("Make It Yours"),
         QStringLiteral("Customize Protected Terms, shortcuts, and preferences in Settings."), this));
     layout->addWidget(welcomeStyle::label(
-        QStringLiteral("Glyphmill runs quietly in your menu bar, even when its windows are closed."),
+        QStringLiteral("Glyphmill runs quietly in the system tray, even when its windows are closed."),
         TextStyle::callout, true, this));
 
     connect(&context_.settings, &AppSettings::paletteShortcutChanged, this, &ReadyPage::refresh);
@@ -407,14 +411,14 @@ ReadyPage::ReadyPage(const OnboardingContext &context, QWidget *parent) : QWidge
 void ReadyPage::refresh() {
     if (context_.settings.paletteShortcutRegistrationFailed()) {
         paletteRow_->setMessage(QStringLiteral("Open the floating palette from the Glyphmill menu to format "
-                                               "clipboard text. To change a selection in place, use Services "
-                                               "\u2192 Glyphmill."));
+                                               "clipboard text. To change a selection in place, use the "
+                                               "glyphmill service command."));
         return;
     }
     paletteRow_->setMessage(QStringLiteral("Press ") +
                             text(displayString(context_.settings.shortcut(KeyboardShortcutID::palette))) +
                             QStringLiteral(" to format clipboard text. To change a selection in place, use "
-                                           "Services \u2192 Glyphmill."));
+                                           "the glyphmill service command."));
 }
 
 QString ReadyPage::paletteRowMessage() const {

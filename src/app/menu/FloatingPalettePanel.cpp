@@ -18,7 +18,8 @@ namespace glyphmill {
 const QString FloatingPalettePanel::title = QStringLiteral("Glyphmill");
 const QString FloatingPalettePanel::hintWithText = QStringLiteral("Transform clipboard text");
 const QString FloatingPalettePanel::hintWithoutText = QStringLiteral(
-    "Copy text first, then choose a conversion. For in-place transforms, use Services \u2192 Glyphmill.");
+    "Copy text first, then choose a conversion. For in-place transforms, use the glyphmill service "
+    "command.");
 const QString FloatingPalettePanel::servicesHelpTitle = QStringLiteral("How to Use Services\u2026");
 
 namespace {

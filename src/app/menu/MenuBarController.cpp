@@ -31,7 +31,7 @@ bool isCharacterKey(std::uint32_t keyCode) {
     return keyCode <= 50 && keyCode != 10 && keyCode != 36 && keyCode != 48 && keyCode != 49;
 }
 
-constexpr KeyboardShortcutChord quitChord{12, carbonModifier::command}; // ⌘Q
+constexpr KeyboardShortcutChord quitChord{12, carbonModifier::command}; // shown as Super+Q
 
 } // namespace
 
