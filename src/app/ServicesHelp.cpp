@@ -5,6 +5,7 @@
 #include "platform/UrlOpener.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -18,8 +19,10 @@ void SelectionServicesProvider::openKeyboardShortcutsSettings() {
 void SelectionServicesProvider::showServicesHelp() {
     QMessageBox alert;
     alert.setWindowTitle(QStringLiteral("Glyphmill"));
-    alert.setText(QStringLiteral("Transform Text with Services"));
-    alert.setInformativeText(QStringLiteral(
+    alert.setText(
+        QCoreApplication::translate("glyphmill::SelectionServicesProvider", "Transform Text with Services"));
+    alert.setInformativeText(QCoreApplication::translate(
+        "glyphmill::SelectionServicesProvider",
         "Select text in an editor, then filter it through glyphmill service KIND (smart-case, "
         "title-case, uppercase, lowercase or capitalize-words); other programs can send text to "
         "Glyphmill over D-Bus instead.\n\n"
@@ -32,9 +35,11 @@ void SelectionServicesProvider::showServicesHelp() {
         alert.setIconPixmap(icon.pixmap(64, 64));
     else
         alert.setIcon(QMessageBox::Information);
-    QPushButton *ok = alert.addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
-    QPushButton *openSettings =
-        alert.addButton(QStringLiteral("Open Shortcuts Settings"), QMessageBox::ActionRole);
+    QPushButton *ok = alert.addButton(
+        QCoreApplication::translate("glyphmill::SelectionServicesProvider", "OK"), QMessageBox::AcceptRole);
+    QPushButton *openSettings = alert.addButton(
+        QCoreApplication::translate("glyphmill::SelectionServicesProvider", "Open Shortcuts Settings"),
+        QMessageBox::ActionRole);
     alert.setDefaultButton(ok);
     alert.exec();
     if (alert.clickedButton() == openSettings)
