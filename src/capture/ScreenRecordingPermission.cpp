@@ -7,6 +7,7 @@
 #include "platform/UrlOpener.h"
 #include "settings/SettingsPreferences.h"
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -40,26 +41,34 @@ QLabel *wrappingLabel(const QString &text, QWidget *parent) {
 QDialog *buildExplanationPanel() {
     auto *panel = new QDialog(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
     panel->setAttribute(Qt::WA_DeleteOnClose);
-    panel->setWindowTitle(QStringLiteral("Screen Text Capture"));
+    panel->setWindowTitle(
+        QCoreApplication::translate("glyphmill::ScreenRecordingPermission", "Screen Text Capture"));
     panel->setFixedSize(panelWidth, panelHeight);
 
     auto *column = new QVBoxLayout(panel);
     column->setContentsMargins(20, 20, 20, 20);
-    column->addWidget(wrappingLabel(
-        QStringLiteral("Screen Recording is used only when you capture a region to copy text from the "
-                       "screen. Other Glyphmill tools do not need this permission."),
-        panel));
-    QLabel *privacy = wrappingLabel(
-        QStringLiteral("Recognition stays on this Mac. Captures are not saved or sent anywhere."), panel);
+    column->addWidget(
+        wrappingLabel(QCoreApplication::translate(
+                          "glyphmill::ScreenRecordingPermission",
+                          "Screen Recording is used only when you capture a region to copy text from the "
+                          "screen. Other Glyphmill tools do not need this permission."),
+                      panel));
+    QLabel *privacy =
+        wrappingLabel(QCoreApplication::translate(
+                          "glyphmill::ScreenRecordingPermission",
+                          "Recognition stays on this computer. Captures are not saved or sent anywhere."),
+                      panel);
     privacy->setForegroundRole(QPalette::PlaceholderText);
     column->addWidget(privacy);
     column->addStretch();
 
     auto *buttons = new QHBoxLayout;
     buttons->addStretch();
-    auto *notNow = new QPushButton(QStringLiteral("Not Now"), panel);
+    auto *notNow = new QPushButton(
+        QCoreApplication::translate("glyphmill::ScreenRecordingPermission", "Not Now"), panel);
     notNow->setAutoDefault(false);
-    auto *openSettings = new QPushButton(QStringLiteral("Open Settings"), panel);
+    auto *openSettings = new QPushButton(
+        QCoreApplication::translate("glyphmill::ScreenRecordingPermission", "Open Settings"), panel);
     openSettings->setDefault(true);
     buttons->addWidget(notNow);
     buttons->addWidget(openSettings);
@@ -95,11 +104,16 @@ void bringForward(QWidget *panel) {
 }
 
 void showScreenRecordingAlert() {
+    const auto text = [](const char *source) {
+        return QCoreApplication::translate("glyphmill::ScreenRecordingPermission", source).toStdU16String();
+    };
     const bool openSettings = platformServices().dialogs->confirm(
-        u"Screen Recording Is Required",
-        u"Turn on Glyphmill in System Settings → Privacy & Security → Screen Recording, then try Capture "
-        u"Text from Screen again.",
-        u"Open Settings", u"Cancel");
+        text(QT_TRANSLATE_NOOP("glyphmill::ScreenRecordingPermission", "Screen Recording Is Required")),
+        text(QT_TRANSLATE_NOOP("glyphmill::ScreenRecordingPermission",
+                               "Glyphmill can read the screen only in an X11 session. Log in to an X11 "
+                               "session, then try Capture Text from Screen again.")),
+        text(QT_TRANSLATE_NOOP("glyphmill::ScreenRecordingPermission", "Open Settings")),
+        text(QT_TRANSLATE_NOOP("glyphmill::ScreenRecordingPermission", "Cancel")));
     if (openSettings)
         openScreenRecordingSettings();
 }

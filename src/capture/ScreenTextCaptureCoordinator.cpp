@@ -207,7 +207,7 @@ void ScreenTextCaptureCoordinator::recognize(ScreenImage image, QPointF anchor) 
 
 void ScreenTextCaptureCoordinator::deliverText(std::u16string text, QPointF anchor) {
     if (text.empty()) {
-        services_.showHUD(QStringLiteral("No text detected"), anchor);
+        services_.showHUD(tr("No text detected"), anchor);
         return;
     }
     if (services_.settings->applySmartCaseToAllCapsCaptures() && looksAllCaps(text)) {
@@ -222,7 +222,7 @@ void ScreenTextCaptureCoordinator::deliverText(std::u16string text, QPointF anch
         services_.clipboardHistory->save(std::move(previous));
     services_.captureHistory->add(text);
     services_.monitor->refresh();
-    services_.showHUD(QStringLiteral("Text copied"), anchor);
+    services_.showHUD(tr("Text copied"), anchor);
 }
 
 void ScreenTextCaptureCoordinator::reportError(ScreenCaptureError error, QPointF anchor) {
@@ -242,7 +242,7 @@ void ScreenTextCaptureCoordinator::reportError(ScreenCaptureError error, QPointF
 
 void ScreenTextCaptureCoordinator::reportFailure(QPointF anchor) {
     log("Capture failed: captureOrRecognition");
-    services_.showHUD(QStringLiteral("Couldn't capture text"), anchor);
+    services_.showHUD(tr("Couldn't capture text"), anchor);
 }
 
 void ScreenTextCaptureCoordinator::log(const char *message) {

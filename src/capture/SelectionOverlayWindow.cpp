@@ -110,7 +110,7 @@ SelectionOverlayWindow::SelectionOverlayWindow(ScreenSelectionOverlayController 
     // means the window manager gives it neither focus nor a place, so both are done here.
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                            Qt::BypassWindowManagerHint | Qt::NoDropShadowWindowHint) {
-    setWindowTitle(QStringLiteral("Glyphmill Selection"));
+    setWindowTitle(tr("Glyphmill Selection"));
     setAttribute(Qt::WA_QuitOnClose, false);
     const bool seeThrough = frozen.isNull();
     if (seeThrough) {

@@ -79,15 +79,16 @@ void LineToolCommands::fixWhitespace() {
 void LineToolCommands::htmlToPlainText() {
     auto text = manager_.readHTMLAsText();
     if (!text) {
-        manager_.showClipboardAlert(u"Clipboard does not contain HTML.");
+        manager_.showClipboardAlert(tr("Clipboard does not contain HTML.").toStdU16String());
         return;
     }
     manager_.replaceClipboardText([&] { return ClipboardManager::normalizeLineBreaks(*text); });
 }
 
 void LineToolCommands::numberLines() {
-    auto style = promptForOption(dialogs_, u"Number Lines", u"Choose a numbering style.",
-                                 lineTools::allNumberingStyles);
+    auto style =
+        promptForOption(dialogs_, tr("Number Lines").toStdU16String(),
+                        tr("Choose a numbering style.").toStdU16String(), lineTools::allNumberingStyles);
     if (!style)
         return;
     manager_.applyTextOperation(
@@ -95,7 +96,8 @@ void LineToolCommands::numberLines() {
 }
 
 void LineToolCommands::joinLines() {
-    auto separator = promptForOption(dialogs_, u"Join Lines", u"Choose a separator between joined lines.",
+    auto separator = promptForOption(dialogs_, tr("Join Lines").toStdU16String(),
+                                     tr("Choose a separator between joined lines.").toStdU16String(),
                                      lineTools::allJoinSeparators);
     if (!separator)
         return;
@@ -105,21 +107,21 @@ void LineToolCommands::joinLines() {
 }
 
 void LineToolCommands::splitLines() {
-    auto choice =
-        promptForOption(dialogs_, u"Split to Lines", u"Choose how to split the clipboard text into lines.",
-                        lineTools::allSplitDelimiters);
+    auto choice = promptForOption(dialogs_, tr("Split to Lines").toStdU16String(),
+                                  tr("Choose how to split the clipboard text into lines.").toStdU16String(),
+                                  lineTools::allSplitDelimiters);
     if (!choice)
         return;
     std::u16string delimiter;
     if (auto preset = lineTools::delimiterText(*choice)) {
         delimiter = *preset;
     } else {
-        auto answer =
-            promptForTrimmedText(dialogs_, u"Custom Delimiter", u"Enter the text to split on.", u"|");
+        auto answer = promptForTrimmedText(dialogs_, tr("Custom Delimiter").toStdU16String(),
+                                           tr("Enter the text to split on.").toStdU16String(), u"|");
         if (!answer)
             return;
         if (answer->empty()) {
-            manager_.showClipboardAlert(u"Enter a delimiter.");
+            manager_.showClipboardAlert(tr("Enter a delimiter.").toStdU16String());
             return;
         }
         delimiter = std::move(*answer);
@@ -129,8 +131,9 @@ void LineToolCommands::splitLines() {
 }
 
 void LineToolCommands::linesMatchingRegex() {
-    auto choice = promptForOption(dialogs_, u"Lines Matching Regex",
-                                  u"Choose a pattern preset or enter your own.", lineTools::allRegexPresets);
+    auto choice = promptForOption(dialogs_, tr("Lines Matching Regex").toStdU16String(),
+                                  tr("Choose a pattern preset or enter your own.").toStdU16String(),
+                                  lineTools::allRegexPresets);
     if (!choice)
         return;
     std::u16string pattern;
@@ -138,19 +141,20 @@ void LineToolCommands::linesMatchingRegex() {
         pattern = *preset;
     } else {
         auto answer = promptForTrimmedText(
-            dialogs_, u"Custom Regex",
-            u"Enter a regular expression. Matching lines are copied to the clipboard.", u"^\\d+");
+            dialogs_, tr("Custom Regex").toStdU16String(),
+            tr("Enter a regular expression. Matching lines are copied to the clipboard.").toStdU16String(),
+            u"^\\d+");
         if (!answer)
             return;
         if (answer->empty()) {
-            manager_.showClipboardAlert(u"Enter a regex pattern.");
+            manager_.showClipboardAlert(tr("Enter a regex pattern.").toStdU16String());
             return;
         }
         pattern = std::move(*answer);
     }
     // Checked before the clipboard is read, so an empty clipboard still hears about the pattern.
     if (!lineTools::isValidPattern(pattern)) {
-        manager_.showClipboardAlert(u"Invalid regular expression.");
+        manager_.showClipboardAlert(tr("Invalid regular expression.").toStdU16String());
         return;
     }
     auto text = manager_.readText(true);
@@ -162,7 +166,7 @@ void LineToolCommands::linesMatchingRegex() {
     // Matched before anything is saved or written, so a search that is stopped changes nothing.
     lineTools::MatchingResult matched = lineTools::matchingLines(pattern, *text);
     if (matched.failure) { // the pattern compiled above: the search was stopped
-        manager_.showClipboardAlert(u"The pattern takes too long on this text.");
+        manager_.showClipboardAlert(tr("The pattern takes too long on this text.").toStdU16String());
         return;
     }
     manager_.replaceClipboardText([&matched] { return std::move(matched.lines); });
@@ -175,12 +179,13 @@ void LineToolCommands::linesContaining() {
         return;
     }
     auto needle = promptForTrimmedText(
-        dialogs_, u"Lines Containing",
-        u"Enter text or a character. Only matching lines are copied to the clipboard.", u"@");
+        dialogs_, tr("Lines Containing").toStdU16String(),
+        tr("Enter text or a character. Only matching lines are copied to the clipboard.").toStdU16String(),
+        u"@");
     if (!needle)
         return;
     if (needle->empty()) {
-        manager_.showClipboardAlert(u"Enter text to match.");
+        manager_.showClipboardAlert(tr("Enter text to match.").toStdU16String());
         return;
     }
     manager_.applyTextOperation(

@@ -38,7 +38,7 @@ FloatingPaletteIllustration::FloatingPaletteIllustration(const QString &source, 
 
     QLabel *sourceLabel = welcomeStyle::label(source, TextStyle::body, true, this);
     welcomeStyle::makeSelectable(*sourceLabel);
-    sourceLabel->setAccessibleName(QStringLiteral("Example original text"));
+    sourceLabel->setAccessibleName(tr("Example original text"));
     sourceLabel->setAccessibleDescription(source);
     layout->addWidget(sourceLabel);
 
@@ -50,7 +50,7 @@ FloatingPaletteIllustration::FloatingPaletteIllustration(const QString &source, 
                  welcomeStyle::cssColour(welcomeStyle::separatorColour(colours, 0.25)));
     });
     palette->setAccessibleName(
-        QStringLiteral("Example palette showing Smart Case, Title Case, UPPERCASE, and lowercase"));
+        tr("Example palette showing Smart Case, Title Case, UPPERCASE, and lowercase"));
     auto *chips = new QHBoxLayout(palette);
     chips->setContentsMargins(8, 8, 8, 8);
     chips->setSpacing(6);
@@ -61,7 +61,7 @@ FloatingPaletteIllustration::FloatingPaletteIllustration(const QString &source, 
 
     result_ = welcomeStyle::label(QString(), TextStyle::bodyMedium, false, this);
     welcomeStyle::makeSelectable(*result_);
-    result_->setAccessibleName(QStringLiteral("Example result"));
+    result_->setAccessibleName(tr("Example result"));
     layout->addWidget(result_);
 }
 

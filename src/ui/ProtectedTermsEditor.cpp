@@ -77,8 +77,8 @@ public:
         auto *layout = new QHBoxLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->setSpacing(1);
-        addButton = makeButton(QStringLiteral("Add term"));
-        removeButton = makeButton(QStringLiteral("Remove selected terms"));
+        addButton = makeButton(ProtectedTermsEditor::tr("Add term"));
+        removeButton = makeButton(ProtectedTermsEditor::tr("Remove selected terms"));
         layout->addWidget(addButton);
         layout->addWidget(removeButton);
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -127,11 +127,11 @@ private:
 
 ProtectedTermsEditor::ProtectedTermsEditor(ProtectedTermsStore &store, QWidget *parent)
     : QDialog(parent), store_(store) {
-    setWindowTitle(QStringLiteral("Protected Terms"));
+    setWindowTitle(tr("Protected Terms"));
     setFixedSize(sheetWidth, sheetHeight);
 
     table_ = new QTableWidget(0, 1, this);
-    table_->setHorizontalHeaderLabels({QStringLiteral("Term")});
+    table_->setHorizontalHeaderLabels({tr("Term")});
     table_->setAlternatingRowColors(true);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -154,9 +154,9 @@ ProtectedTermsEditor::ProtectedTermsEditor(ProtectedTermsStore &store, QWidget *
     auto *control = new AddRemoveControl(this);
     addButton_ = control->addButton;
     removeButton_ = control->removeButton;
-    restoreButton_ = new QPushButton(QStringLiteral("Restore Defaults"), this);
+    restoreButton_ = new QPushButton(tr("Restore Defaults"), this);
     restoreButton_->setAutoDefault(false);
-    doneButton_ = new QPushButton(QStringLiteral("Done"), this);
+    doneButton_ = new QPushButton(tr("Done"), this);
     doneButton_->setDefault(true);
     // Focus starts on "Done", so no row looks picked before the user picks one.
     doneButton_->setFocus();
@@ -230,8 +230,8 @@ void ProtectedTermsEditor::updateRemoveButton() {
 
 void ProtectedTermsEditor::addTerm() {
     const std::optional<std::u16string> answer = platformServices().dialogs->promptForText(
-        u"Add Protected Term", u"Enter a word or phrase to keep exactly as written during transforms.",
-        u"LLC");
+        tr("Add Protected Term").toStdU16String(),
+        tr("Enter a word or phrase to keep exactly as written during transforms.").toStdU16String(), u"LLC");
     if (answer)
         store_.addTerm(*answer);
 }

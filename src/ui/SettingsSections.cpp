@@ -8,6 +8,7 @@
 #include "ui/WindowActions.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -175,34 +176,37 @@ public:
 };
 
 QString generalFooterText(const AppSettings &settings) {
-    return QStringLiteral("Automatically Clear Formatting replaces copied rich text with plain text. ") +
-           chordText(settings, KeyboardShortcutID::titleCase) +
-           QStringLiteral(" applies Title Case to the clipboard. ") +
-           chordText(settings, KeyboardShortcutID::palette) +
-           QStringLiteral(" opens the floating palette. ") +
-           chordText(settings, KeyboardShortcutID::screenCapture) +
-           QStringLiteral(" captures text from the screen.");
+    return QCoreApplication::translate("glyphmill::SettingsWindow",
+                                       "Automatically Clear Formatting replaces copied rich text with plain "
+                                       "text. %1 applies Title Case to the clipboard. %2 opens the floating "
+                                       "palette. %3 captures text from the screen.")
+        .arg(chordText(settings, KeyboardShortcutID::titleCase),
+             chordText(settings, KeyboardShortcutID::palette),
+             chordText(settings, KeyboardShortcutID::screenCapture));
 }
 
 QString screenCaptureFooterText(const AppSettings &settings) {
-    return QStringLiteral("Press ") + chordText(settings, KeyboardShortcutID::screenCapture) +
-           QStringLiteral(
-               " and drag to copy text visible on screen, including images. This uses Screen "
-               "Recording only for that capture. Recognition stays on this Mac and is not retained.");
+    return QCoreApplication::translate("glyphmill::SettingsWindow",
+                                       "Press %1 and drag to copy text visible on screen, including images. "
+                                       "This uses Screen Recording only for that capture. Recognition stays "
+                                       "on this computer and is not retained.")
+        .arg(chordText(settings, KeyboardShortcutID::screenCapture));
 }
 
 void buildGeneral(FormBuilder &form) {
     auto &settings = form.settings_;
     ProtectedTermsStore *terms = &form.context_.terms;
-    form.beginSection(QStringLiteral("General"));
-    form.toggle(QStringLiteral("Launch at Login"), QStringLiteral("Launch Glyphmill at login"),
+    form.beginSection(QCoreApplication::translate("glyphmill::SettingsWindow", "General"));
+    form.toggle(QCoreApplication::translate("glyphmill::SettingsWindow", "Launch at Login"),
+                QCoreApplication::translate("glyphmill::SettingsWindow", "Launch Glyphmill at login"),
                 &AppSettings::launchAtLogin, &AppSettings::setLaunchAtLogin,
                 &AppSettings::launchAtLoginChanged);
-    form.toggle(QStringLiteral("Automatically Clear Formatting"),
-                QStringLiteral("Automatically clear formatting from the clipboard"),
+    form.toggle(QCoreApplication::translate("glyphmill::SettingsWindow", "Automatically Clear Formatting"),
+                QCoreApplication::translate("glyphmill::SettingsWindow",
+                                            "Automatically clear formatting from the clipboard"),
                 &AppSettings::automaticallyClearFormatting, &AppSettings::setAutomaticallyClearFormatting,
                 &AppSettings::automaticallyClearFormattingChanged);
-    form.button(QStringLiteral("Show Welcome Guide"), [terms] {
+    form.button(QCoreApplication::translate("glyphmill::SettingsWindow", "Show Welcome Guide"), [terms] {
         if (const auto &show = windowActions().showWelcomeGuide)
             show(terms);
     });
@@ -216,124 +220,148 @@ void buildGeneral(FormBuilder &form) {
 void buildKeyboardShortcuts(FormBuilder &form) {
     auto &monitor = form.context_.monitor;
     auto &settings = form.settings_;
-    form.beginSection(QStringLiteral("Keyboard Shortcuts"));
-    form.recorderRow(QStringLiteral("Floating Palette"), KeyboardShortcutID::palette);
-    form.recorderRow(QStringLiteral("Title Case"), KeyboardShortcutID::titleCase);
-    form.recorderRow(QStringLiteral("Capture Text from Screen"), KeyboardShortcutID::screenCapture);
-    const auto allCaps = QStringLiteral("Apply Smart Case when captured text is ALL CAPS");
+    form.beginSection(QCoreApplication::translate("glyphmill::SettingsWindow", "Keyboard Shortcuts"));
+    form.recorderRow(QCoreApplication::translate("glyphmill::SettingsWindow", "Floating Palette"),
+                     KeyboardShortcutID::palette);
+    form.recorderRow(QCoreApplication::translate("glyphmill::SettingsWindow", "Title Case"),
+                     KeyboardShortcutID::titleCase);
+    form.recorderRow(QCoreApplication::translate("glyphmill::SettingsWindow", "Capture Text from Screen"),
+                     KeyboardShortcutID::screenCapture);
+    const auto allCaps = QCoreApplication::translate("glyphmill::SettingsWindow",
+                                                     "Apply Smart Case when captured text is ALL CAPS");
     form.toggle(allCaps, allCaps, &AppSettings::applySmartCaseToAllCapsCaptures,
                 &AppSettings::setApplySmartCaseToAllCapsCaptures,
                 &AppSettings::applySmartCaseToAllCapsCapturesChanged);
-    form.recorderRow(QStringLiteral("Paste as Plain Text"), KeyboardShortcutID::pastePlainText);
-    form.button(QStringLiteral("Restore Default Shortcuts"), [&monitor, &settings] {
-        monitor.endRecording();
-        settings.restoreDefaultShortcuts();
-    });
+    form.recorderRow(QCoreApplication::translate("glyphmill::SettingsWindow", "Paste as Plain Text"),
+                     KeyboardShortcutID::pastePlainText);
+    form.button(QCoreApplication::translate("glyphmill::SettingsWindow", "Restore Default Shortcuts"),
+                [&monitor, &settings] {
+                    monitor.endRecording();
+                    settings.restoreDefaultShortcuts();
+                });
     form.failureNote(
-        QStringLiteral(
+        QCoreApplication::translate(
+            "glyphmill::SettingsWindow",
             "The floating palette shortcut could not be registered because another app may be using it."),
         QStringLiteral("paletteShortcutNote"), &AppSettings::paletteShortcutRegistrationFailed,
         &AppSettings::paletteShortcutRegistrationFailedChanged);
     form.failureNote(
-        QStringLiteral(
+        QCoreApplication::translate(
+            "glyphmill::SettingsWindow",
             "The Title Case shortcut could not be registered because another app may be using it."),
         QStringLiteral("titleCaseShortcutNote"), &AppSettings::titleCaseShortcutRegistrationFailed,
         &AppSettings::titleCaseShortcutRegistrationFailedChanged);
     form.failureNote(
-        QStringLiteral(
+        QCoreApplication::translate(
+            "glyphmill::SettingsWindow",
             "The screen capture shortcut could not be registered because another app may be using it."),
         QStringLiteral("screenCaptureShortcutNote"), &AppSettings::screenCaptureShortcutRegistrationFailed,
         &AppSettings::screenCaptureShortcutRegistrationFailedChanged);
-    form.failureNote(
-        QStringLiteral("The Paste as Plain Text shortcut could not be registered because another "
-                       "app may be using it."),
-        QStringLiteral("pastePlainTextShortcutNote"), &AppSettings::pastePlainTextShortcutRegistrationFailed,
-        &AppSettings::pastePlainTextShortcutRegistrationFailedChanged);
-    form.footer(
-        QStringLiteral("Click a shortcut, then press a new combination. Combinations must include "
-                       "Command, Control, or Option. Press Delete to restore that shortcut’s default."),
-        QStringLiteral("keyboardShortcutsFooter"));
+    form.failureNote(QCoreApplication::translate(
+                         "glyphmill::SettingsWindow",
+                         "The Paste as Plain Text shortcut could not be registered because another "
+                         "app may be using it."),
+                     QStringLiteral("pastePlainTextShortcutNote"),
+                     &AppSettings::pastePlainTextShortcutRegistrationFailed,
+                     &AppSettings::pastePlainTextShortcutRegistrationFailedChanged);
+    form.footer(QCoreApplication::translate(
+                    "glyphmill::SettingsWindow",
+                    "Click a shortcut, then press a new combination. Combinations must include "
+                    "Super, Ctrl, or Alt. Press Delete to restore that shortcut’s default."),
+                QStringLiteral("keyboardShortcutsFooter"));
 }
 
 void buildSmartCase(FormBuilder &form) {
     struct Switch {
-        const char16_t *title;
+        const char *title;
         BoolGetter get;
         BoolSetter set;
         BoolSignal changed;
     };
     const Switch switches[] = {
-        {u"Preserve protected terms", &AppSettings::preserveProtectedTerms,
-         &AppSettings::setPreserveProtectedTerms, &AppSettings::preserveProtectedTermsChanged},
-        {u"Preserve URLs", &AppSettings::preserveURLs, &AppSettings::setPreserveURLs,
-         &AppSettings::preserveURLsChanged},
-        {u"Preserve email addresses", &AppSettings::preserveEmails, &AppSettings::setPreserveEmails,
-         &AppSettings::preserveEmailsChanged},
-        {u"Preserve file paths", &AppSettings::preserveFilePaths, &AppSettings::setPreserveFilePaths,
+        {QT_TRANSLATE_NOOP("glyphmill::SettingsWindow", "Preserve protected terms"),
+         &AppSettings::preserveProtectedTerms, &AppSettings::setPreserveProtectedTerms,
+         &AppSettings::preserveProtectedTermsChanged},
+        {QT_TRANSLATE_NOOP("glyphmill::SettingsWindow", "Preserve URLs"), &AppSettings::preserveURLs,
+         &AppSettings::setPreserveURLs, &AppSettings::preserveURLsChanged},
+        {QT_TRANSLATE_NOOP("glyphmill::SettingsWindow", "Preserve email addresses"),
+         &AppSettings::preserveEmails, &AppSettings::setPreserveEmails, &AppSettings::preserveEmailsChanged},
+        {QT_TRANSLATE_NOOP("glyphmill::SettingsWindow", "Preserve file paths"),
+         &AppSettings::preserveFilePaths, &AppSettings::setPreserveFilePaths,
          &AppSettings::preserveFilePathsChanged},
-        {u"Preserve hashtags and mentions", &AppSettings::preserveHashtagsAndMentions,
-         &AppSettings::setPreserveHashtagsAndMentions, &AppSettings::preserveHashtagsAndMentionsChanged},
-        {u"Correct all-uppercase prose", &AppSettings::correctAllUppercaseProse,
-         &AppSettings::setCorrectAllUppercaseProse, &AppSettings::correctAllUppercaseProseChanged},
+        {QT_TRANSLATE_NOOP("glyphmill::SettingsWindow", "Preserve hashtags and mentions"),
+         &AppSettings::preserveHashtagsAndMentions, &AppSettings::setPreserveHashtagsAndMentions,
+         &AppSettings::preserveHashtagsAndMentionsChanged},
+        {QT_TRANSLATE_NOOP("glyphmill::SettingsWindow", "Correct all-uppercase prose"),
+         &AppSettings::correctAllUppercaseProse, &AppSettings::setCorrectAllUppercaseProse,
+         &AppSettings::correctAllUppercaseProseChanged},
     };
-    form.beginSection(QStringLiteral("Smart Case"));
+    form.beginSection(QCoreApplication::translate("glyphmill::SettingsWindow", "Smart Case"));
     for (const auto &each : switches) {
-        const auto title = QString::fromUtf16(each.title);
+        const auto title = QCoreApplication::translate("glyphmill::SettingsWindow", each.title);
         form.toggle(title, title, each.get, each.set, each.changed);
     }
-    form.footer(
-        QStringLiteral("Smart Case fixes inconsistent capitalization while protecting brands, links, and "
-                       "similar spans."),
-        QStringLiteral("smartCaseFooter"));
+    form.footer(QCoreApplication::translate(
+                    "glyphmill::SettingsWindow",
+                    "Smart Case fixes inconsistent capitalization while protecting brands, links, and "
+                    "similar spans."),
+                QStringLiteral("smartCaseFooter"));
 }
 
 void buildScreenTextCapture(FormBuilder &form) {
     auto &settings = form.settings_;
-    form.beginSection(QStringLiteral("Screen Text Capture"));
-    form.button(QStringLiteral("Open Screen Recording Settings"), [] {
-        if (const auto &open = windowActions().openScreenRecordingSettings)
-            open();
-    });
+    form.beginSection(QCoreApplication::translate("glyphmill::SettingsWindow", "Screen Text Capture"));
+    form.button(QCoreApplication::translate("glyphmill::SettingsWindow", "Open Screen Recording Settings"),
+                [] {
+                    if (const auto &open = windowActions().openScreenRecordingSettings)
+                        open();
+                });
     auto *footer = form.footer(screenCaptureFooterText(settings), QStringLiteral("screenTextCaptureFooter"));
     QObject::connect(&settings, &AppSettings::screenCaptureShortcutChanged, footer,
                      [footer, &settings] { footer->setText(screenCaptureFooterText(settings)); });
 }
 
 void buildServices(FormBuilder &form) {
-    form.beginSection(QStringLiteral("Services"));
-    form.button(QStringLiteral("How to Use Services…"), [] {
+    form.beginSection(QCoreApplication::translate("glyphmill::SettingsWindow", "Services"));
+    form.button(QCoreApplication::translate("glyphmill::SettingsWindow", "How to Use Services…"), [] {
         if (const auto &show = windowActions().showServicesHelp)
             show();
     });
-    form.button(QStringLiteral("Open Services Shortcuts Settings"), [] {
-        if (const auto &open = windowActions().openKeyboardShortcutsSettings)
-            open();
-    });
-    form.footer(
-        QStringLiteral("Select text in any app, then choose Services → Glyphmill from that app's menu bar "
-                       "or context menu. Services work without special permissions."),
-        QStringLiteral("servicesFooter"));
+    form.button(QCoreApplication::translate("glyphmill::SettingsWindow", "Open Services Shortcuts Settings"),
+                [] {
+                    if (const auto &open = windowActions().openKeyboardShortcutsSettings)
+                        open();
+                });
+    form.footer(QCoreApplication::translate(
+                    "glyphmill::SettingsWindow",
+                    "Select text in an editor, then filter it through the glyphmill service command, "
+                    "or send it to Glyphmill over D-Bus. Services work without special permissions."),
+                QStringLiteral("servicesFooter"));
 }
 
 void buildProtectedTerms(FormBuilder &form) {
-    form.beginSection(QStringLiteral("Protected Terms"));
-    auto *open = new SettingsNavigationButton(QStringLiteral("Protected Terms…"),
-                                              form.context_.showProtectedTermsList);
-    open->setAccessibleName(QStringLiteral("Protected Terms"));
-    open->setAccessibleDescription(QStringLiteral("Opens the list of protected terms"));
+    form.beginSection(QCoreApplication::translate("glyphmill::SettingsWindow", "Protected Terms"));
+    auto *open = new SettingsNavigationButton(
+        QCoreApplication::translate("glyphmill::SettingsWindow", "Protected Terms…"),
+        form.context_.showProtectedTermsList);
+    open->setAccessibleName(QCoreApplication::translate("glyphmill::SettingsWindow", "Protected Terms"));
+    open->setAccessibleDescription(
+        QCoreApplication::translate("glyphmill::SettingsWindow", "Opens the list of protected terms"));
     form.addToGroup(open);
-    form.footer(
-        QStringLiteral("Matching is case-insensitive. Converted text uses the spelling shown in the list."),
-        QStringLiteral("protectedTermsFooter"));
+    form.footer(QCoreApplication::translate(
+                    "glyphmill::SettingsWindow",
+                    "Matching is case-insensitive. Converted text uses the spelling shown in the list."),
+                QStringLiteral("protectedTermsFooter"));
 }
 
 void buildAbout(FormBuilder &form) {
     const auto &links = form.context_.links;
-    form.beginSection(QStringLiteral("About"));
+    form.beginSection(QCoreApplication::translate("glyphmill::SettingsWindow", "About"));
     auto *versionRow = new QWidget;
     auto *row = new QHBoxLayout(versionRow);
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(new QLabel(QStringLiteral("Version"), versionRow));
+    row->addWidget(
+        new QLabel(QCoreApplication::translate("glyphmill::SettingsWindow", "Version"), versionRow));
     row->addStretch(1);
     auto *version = new QLabel(form.context_.version, versionRow);
     version->setObjectName(QStringLiteral("versionValue"));
@@ -341,14 +369,22 @@ void buildAbout(FormBuilder &form) {
     row->addWidget(version);
     form.addToGroup(versionRow);
     form.addToGroup(secondaryLabel(
-        QStringLiteral("Screen Text Capture is processed on this Mac and is not retained."), 0.9, nullptr));
-    const auto review = QStringLiteral("Love Glyphmill? Your review helps us grow!");
-    form.link(review, review, QStringLiteral("Opens the App Store so you can write a review"),
+        QCoreApplication::translate("glyphmill::SettingsWindow",
+                                    "Screen Text Capture is processed on this computer and is not retained."),
+        0.9, nullptr));
+    const auto review = QCoreApplication::translate("glyphmill::SettingsWindow",
+                                                    "Love Glyphmill? Your review helps us grow!");
+    form.link(review, review,
+              QCoreApplication::translate("glyphmill::SettingsWindow",
+                                          "Opens Glyphmill's review page so you can write a review"),
               links.reviewUrl);
-    form.link(QStringLiteral("Feedback / Questions"), QStringLiteral("Send feedback or questions by email"),
+    form.link(QCoreApplication::translate("glyphmill::SettingsWindow", "Feedback / Questions"),
+              QCoreApplication::translate("glyphmill::SettingsWindow", "Send feedback or questions by email"),
               {}, links.feedbackAddress.empty() ? std::string() : "mailto:" + links.feedbackAddress);
-    form.link(QStringLiteral("More Apps"), QStringLiteral("Visit Quillory website for more apps"), {},
-              links.websiteUrl);
+    form.link(
+        QCoreApplication::translate("glyphmill::SettingsWindow", "More Apps"),
+        QCoreApplication::translate("glyphmill::SettingsWindow", "Visit Quillory website for more apps"), {},
+        links.websiteUrl);
 }
 
 } // namespace

@@ -48,7 +48,7 @@ SettingsWindow::SettingsWindow(ProtectedTermsStore &terms, AppSettings &settings
                                const SettingsWindowContent &content, QWidget *parent)
     : QWidget(parent, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
       terms_(terms), monitor_(new ShortcutRecordingMonitor(settings, hotKeys, this)) {
-    setWindowTitle(QStringLiteral("Settings"));
+    setWindowTitle(tr("Settings"));
     setObjectName(QStringLiteral("protected-terms"));
     setWindowIcon(appIcons::applicationIcon());
     setFixedSize(windowWidth, windowHeight);
@@ -74,10 +74,10 @@ SettingsWindow::SettingsWindow(ProtectedTermsStore &terms, AppSettings &settings
     auto *bar = new QHBoxLayout;
     bar->setContentsMargins(16, 16, 16, 16);
     bar->addStretch(1);
-    auto *done = new QPushButton(QStringLiteral("Done"), this);
+    auto *done = new QPushButton(tr("Done"), this);
     done->setObjectName(QStringLiteral("doneButton"));
     done->setDefault(true);
-    done->setAccessibleName(QStringLiteral("Close Settings"));
+    done->setAccessibleName(tr("Close Settings"));
     connect(done, &QPushButton::clicked, this, &QWidget::close);
     bar->addWidget(done);
     layout->addLayout(bar);

@@ -24,11 +24,6 @@ constexpr std::uint32_t escapeKeyCode = 53;
 constexpr std::uint32_t deleteKeyCode = 51;
 constexpr std::uint32_t forwardDeleteKeyCode = 117;
 
-const QString recordingLabel = QStringLiteral("Type Shortcut");
-const QString recordingValue = QStringLiteral("Recording a new shortcut");
-const QString recorderHint = QStringLiteral(
-    "Click, then press a new key combination. Press Delete to restore the default. Press Escape to cancel.");
-
 QString shownChord(const KeyboardShortcutChord &chord) {
     const auto text = displayString(chord);
     return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
@@ -188,7 +183,9 @@ ShortcutRecorderRow::ShortcutRecorderRow(const QString &title, KeyboardShortcutI
     button_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     button_->setFocusPolicy(Qt::StrongFocus);
     button_->setAccessibleName(title);
-    button_->setAccessibleDescription(recorderHint);
+    button_->setAccessibleDescription(
+        tr("Click, then press a new key combination. Press Delete to restore the "
+           "default. Press Escape to cancel."));
     layout->addWidget(button_);
 
     connect(button_, &QPushButton::clicked, this, [this] {
@@ -210,12 +207,12 @@ bool ShortcutRecorderRow::isRecording() const {
 }
 
 QString ShortcutRecorderRow::accessibleValue() const {
-    return isRecording() ? recordingValue : shownChord(settings_.shortcut(id_));
+    return isRecording() ? tr("Recording a new shortcut") : shownChord(settings_.shortcut(id_));
 }
 
 void ShortcutRecorderRow::refresh() {
     const bool recording = isRecording();
-    button_->setText(recording ? recordingLabel : shownChord(settings_.shortcut(id_)));
+    button_->setText(recording ? tr("Type Shortcut") : shownChord(settings_.shortcut(id_)));
     // The accent colour marks the row that takes the next key press.
     QPalette tint = palette();
     if (recording) {

@@ -10,6 +10,7 @@
 #include "ui/WindowActions.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QScreen>
@@ -74,7 +75,7 @@ public:
     WelcomeWindow(const OnboardingContext &context, QSize size)
         : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                                Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint) {
-        setWindowTitle(QStringLiteral("Welcome to Glyphmill"));
+        setWindowTitle(QCoreApplication::translate("glyphmill::WelcomeGuide", "Welcome to Glyphmill"));
         setWindowIcon(appIcons::applicationIcon());
         setFixedSize(size);
         auto *layout = new QVBoxLayout(this);

@@ -40,7 +40,7 @@ PageDots::PageDots(int pageCount, QWidget *parent) : QWidget(parent), pageCount_
 
 void PageDots::setPage(int page) {
     page_ = page;
-    setAccessibleName(QStringLiteral("Step %1 of %2").arg(page + 1).arg(pageCount_));
+    setAccessibleName(tr("Step %1 of %2").arg(page + 1).arg(pageCount_));
     update();
 }
 
@@ -68,7 +68,7 @@ WelcomeGuideFooter::WelcomeGuideFooter(QWidget *parent) : QWidget(parent) {
     layout->setSpacing(12);
     column->addLayout(layout);
 
-    back_ = new QPushButton(QStringLiteral("Back"), this);
+    back_ = new QPushButton(tr("Back"), this);
     back_->setAutoDefault(false);
     // Keeps its place while hidden on the first page, so the row keeps its height.
     QSizePolicy keepsSpace = back_->sizePolicy();
@@ -77,7 +77,7 @@ WelcomeGuideFooter::WelcomeGuideFooter(QWidget *parent) : QWidget(parent) {
     layout->addWidget(back_);
     layout->addStretch(1);
 
-    openSettings_ = new QPushButton(QStringLiteral("Open Settings"), this);
+    openSettings_ = new QPushButton(tr("Open Settings"), this);
     openSettings_->setAutoDefault(false);
     layout->addWidget(openSettings_);
     primary_ = new QPushButton(this);
@@ -98,7 +98,7 @@ void WelcomeGuideFooter::setPage(int page) {
     dots_->setPage(page);
     const bool last = page == pageCount - 1;
     openSettings_->setVisible(last);
-    primary_->setText(last ? QStringLiteral("Start Using Glyphmill") : QStringLiteral("Continue"));
+    primary_->setText(last ? tr("Start Using Glyphmill") : tr("Continue"));
     // On the sample page Return belongs to the text editor.
     defaultAction_->setEnabled(page != 1);
 }

@@ -7,6 +7,7 @@
 #include "ui/WelcomeGuideStyle.h"
 #include "ui/WindowActions.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
@@ -272,25 +273,39 @@ QString WelcomeFeatureRow::message() const {
 QWidget *makeIntroductionPage(QWidget *parent) {
     auto *page = new QWidget(parent);
     QVBoxLayout *layout = pageLayout(page, 12);
-    layout->addWidget(new WelcomeGuideHeader(QStringLiteral("Welcome to Glyphmill"),
-                                             QStringLiteral("The fastest way to format text on your Mac."),
-                                             true, page));
+    layout->addWidget(new WelcomeGuideHeader(
+        QCoreApplication::translate("glyphmill::WelcomeGuide", "Welcome to Glyphmill"),
+        QCoreApplication::translate("glyphmill::WelcomeGuide",
+                                    "The fastest way to format text on this computer."),
+        true, page));
     QVBoxLayout *rows = stack(layout, page, 10);
     rows->addWidget(new WelcomeFeatureRow(
-        QStringLiteral("font-x-generic"), QStringLiteral("Instant Text Formatting"),
-        QStringLiteral("Convert text to Smart Case, Title Case, UPPERCASE, lowercase, and Capitalize Words."),
+        QStringLiteral("font-x-generic"),
+        QCoreApplication::translate("glyphmill::WelcomeGuide", "Instant Text Formatting"),
+        QCoreApplication::translate(
+            "glyphmill::WelcomeGuide",
+            "Convert text to Smart Case, Title Case, UPPERCASE, lowercase, and Capitalize Words."),
         page));
     rows->addWidget(new WelcomeFeatureRow(
-        QStringLiteral("input-mouse"), QStringLiteral("Work Anywhere"),
-        QStringLiteral("Format text using the menu bar, floating palette, or macOS Services."), page));
-    rows->addWidget(
-        new WelcomeFeatureRow(QStringLiteral("tools-check-spelling"), QStringLiteral("More Text Tools"),
-                              QStringLiteral("Capture text from your screen, process lines, clean "
-                                             "formatting, and restore clipboard history."),
-                              page));
-    layout->addWidget(symbolLabel(QStringLiteral("security-high"),
-                                  QStringLiteral("All text processing happens locally on your Mac."),
-                                  TextStyle::callout, true, page));
+        QStringLiteral("input-mouse"),
+        QCoreApplication::translate("glyphmill::WelcomeGuide", "Work Anywhere"),
+        QCoreApplication::translate(
+            "glyphmill::WelcomeGuide",
+            "Format text using the system tray menu, floating palette, or Glyphmill's Services "
+            "(D-Bus and the glyphmill service command)."),
+        page));
+    rows->addWidget(new WelcomeFeatureRow(
+        QStringLiteral("tools-check-spelling"),
+        QCoreApplication::translate("glyphmill::WelcomeGuide", "More Text Tools"),
+        QCoreApplication::translate("glyphmill::WelcomeGuide",
+                                    "Capture text from your screen, process lines, clean "
+                                    "formatting, and restore clipboard history."),
+        page));
+    layout->addWidget(
+        symbolLabel(QStringLiteral("security-high"),
+                    QCoreApplication::translate("glyphmill::WelcomeGuide",
+                                                "All text processing happens locally on this computer."),
+                    TextStyle::callout, true, page));
     return page;
 }
 
@@ -298,13 +313,10 @@ PaletteAndServicesPage::PaletteAndServicesPage(const OnboardingContext &context,
     : QWidget(parent), context_(context) {
     QVBoxLayout *layout = pageLayout(this, 14);
     layout->addWidget(new WelcomeGuideHeader(
-        QStringLiteral("Format Text Anywhere"),
-        QStringLiteral("Select text in another app and format it instantly."), false, this));
-    illustration_ =
-        new FloatingPaletteIllustration(QStringLiteral("WELCOME TO ACME LLC"),
-                                        {QStringLiteral("Smart Case"), QStringLiteral("Title Case"),
-                                         QStringLiteral("UPPERCASE"), QStringLiteral("lowercase")},
-                                        this);
+        tr("Format Text Anywhere"), tr("Select text in another app and format it instantly."), false, this));
+    illustration_ = new FloatingPaletteIllustration(
+        QStringLiteral("WELCOME TO ACME LLC"),
+        {tr("Smart Case"), tr("Title Case"), tr("UPPERCASE"), tr("lowercase")}, this);
     layout->addWidget(illustration_);
 
     QVBoxLayout *shortcut = stack(layout, this, 4);
@@ -315,22 +327,23 @@ PaletteAndServicesPage::PaletteAndServicesPage(const OnboardingContext &context,
     shortcut->addWidget(message_);
 
     QVBoxLayout *services = stack(layout, this, 6);
-    services->addWidget(symbolLabel(QStringLiteral("emblem-ok"), QStringLiteral("Services"),
-                                    TextStyle::headline, false, this));
+    services->addWidget(
+        symbolLabel(QStringLiteral("emblem-ok"), tr("Services"), TextStyle::headline, false, this));
     services->addWidget(welcomeStyle::label(
-        QStringLiteral(
-            "This Mac App Store version does not use Accessibility Access to replace selected text. "
-            "Choose Services \u2192 Glyphmill to transform a selection in place. Text is processed "
-            "locally and is never transmitted."),
+        tr("This build does not use Accessibility Access to replace selected text: it works through "
+           "the clipboard and a synthetic paste. To transform a selection in place, filter it through "
+           "the glyphmill service command from your editor. Text is processed locally and is never "
+           "transmitted."),
         TextStyle::body, true, this));
-    QPushButton *help = welcomeStyle::linkButton(QStringLiteral("How to Use Services\u2026"), this);
+    QPushButton *help = welcomeStyle::linkButton(tr("How to Use Services\u2026"), this);
     connect(help, &QPushButton::clicked, this, [] {
         if (windowActions().showServicesHelp)
             windowActions().showServicesHelp();
     });
     services->addWidget(help);
     services->addWidget(welcomeStyle::label(
-        QStringLiteral("Clipboard formatting and macOS Services work without Accessibility Access."),
+        tr("Clipboard formatting and Glyphmill's Services (D-Bus and the glyphmill service "
+           "command) work without Accessibility Access."),
         TextStyle::callout, true, this));
 
     AppSettings &settings = context_.settings;
@@ -354,14 +367,13 @@ void PaletteAndServicesPage::refresh() {
     illustration_->setResult(
         context_.transformed(TextTransformKind::smartCase, QStringLiteral("WELCOME TO ACME LLC")));
     if (context_.settings.paletteShortcutRegistrationFailed()) {
-        heading_->setText(QStringLiteral("Palette shortcut unavailable"));
-        message_->setText(
-            QStringLiteral("The floating palette shortcut could not be registered. Open it from the "
-                           "Glyphmill menu, or choose another shortcut in Settings."));
+        heading_->setText(tr("Palette shortcut unavailable"));
+        message_->setText(tr("The floating palette shortcut could not be registered. Open it from the "
+                             "Glyphmill menu, or choose another shortcut in Settings."));
     } else {
         heading_->setText(text(displayString(context_.settings.shortcut(KeyboardShortcutID::palette))));
         message_->setText(
-            QStringLiteral("Opens the floating palette near your pointer so you can format clipboard text."));
+            tr("Opens the floating palette near your pointer so you can format clipboard text."));
     }
 }
 
@@ -380,22 +392,19 @@ QString PaletteAndServicesPage::exampleResult() const {
 ReadyPage::ReadyPage(const OnboardingContext &context, QWidget *parent) : QWidget(parent), context_(context) {
     QVBoxLayout *layout = pageLayout(this, 14);
     layout->addWidget(new WelcomeGuideHeader(
-        QStringLiteral("You're Ready!"),
-        QStringLiteral("Glyphmill is now available from your Mac's menu bar."), true, this));
+        tr("You're Ready!"), tr("Glyphmill is now available from the system tray."), true, this));
     QVBoxLayout *rows = stack(layout, this, 12);
-    paletteRow_ = new WelcomeFeatureRow(QStringLiteral("input-keyboard"), QStringLiteral("Floating Palette"),
-                                        QString(), this);
+    paletteRow_ =
+        new WelcomeFeatureRow(QStringLiteral("input-keyboard"), tr("Floating Palette"), QString(), this);
     rows->addWidget(paletteRow_);
     rows->addWidget(new WelcomeFeatureRow(
-        QStringLiteral("user-desktop"), QStringLiteral("Menu Bar Tools"),
-        QStringLiteral(
-            "Format clipboard text, capture text from your screen, and access additional utilities."),
-        this));
+        QStringLiteral("user-desktop"), tr("System Tray Tools"),
+        tr("Format clipboard text, capture text from your screen, and access additional utilities."), this));
     rows->addWidget(new WelcomeFeatureRow(
-        QStringLiteral("preferences-system"), QStringLiteral("Make It Yours"),
-        QStringLiteral("Customize Protected Terms, shortcuts, and preferences in Settings."), this));
+        QStringLiteral("preferences-system"), tr("Make It Yours"),
+        tr("Customize Protected Terms, shortcuts, and preferences in Settings."), this));
     layout->addWidget(welcomeStyle::label(
-        QStringLiteral("Glyphmill runs quietly in your menu bar, even when its windows are closed."),
+        tr("Glyphmill runs quietly in the system tray, even when its windows are closed."),
         TextStyle::callout, true, this));
 
     connect(&context_.settings, &AppSettings::paletteShortcutChanged, this, &ReadyPage::refresh);
@@ -406,15 +415,15 @@ ReadyPage::ReadyPage(const OnboardingContext &context, QWidget *parent) : QWidge
 
 void ReadyPage::refresh() {
     if (context_.settings.paletteShortcutRegistrationFailed()) {
-        paletteRow_->setMessage(QStringLiteral("Open the floating palette from the Glyphmill menu to format "
-                                               "clipboard text. To change a selection in place, use Services "
-                                               "\u2192 Glyphmill."));
+        paletteRow_->setMessage(tr("Open the floating palette from the Glyphmill menu to format "
+                                   "clipboard text. To change a selection in place, use the "
+                                   "glyphmill service command."));
         return;
     }
-    paletteRow_->setMessage(QStringLiteral("Press ") +
-                            text(displayString(context_.settings.shortcut(KeyboardShortcutID::palette))) +
-                            QStringLiteral(" to format clipboard text. To change a selection in place, use "
-                                           "Services \u2192 Glyphmill."));
+    paletteRow_->setMessage(
+        tr("Press %1 to format clipboard text. To change a selection in place, use the "
+           "glyphmill service command.")
+            .arg(text(displayString(context_.settings.shortcut(KeyboardShortcutID::palette)))));
 }
 
 QString ReadyPage::paletteRowMessage() const {

@@ -130,13 +130,12 @@ WelcomeSamplePage::WelcomeSamplePage(const OnboardingContext &context, QWidget *
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(10);
     layout->addWidget(new WelcomeGuideHeader(
-        QStringLiteral("Try Glyphmill"), QStringLiteral("See how quickly Glyphmill can format your text."),
-        false, this));
+        tr("Try Glyphmill"), tr("See how quickly Glyphmill can format your text."), false, this));
 
-    layout->addWidget(headline(QStringLiteral("Original Text"), this));
+    layout->addWidget(headline(tr("Original Text"), this));
     editor_ = new QPlainTextEdit(initialSample, this);
     editor_->setObjectName(QStringLiteral("sampleEditor"));
-    editor_->setAccessibleName(QStringLiteral("Original Text"));
+    editor_->setAccessibleName(tr("Original Text"));
     editor_->setFont(welcomeStyle::font(TextStyle::body));
     editor_->setTabChangesFocus(true);
     editor_->setMinimumHeight(56);
@@ -157,10 +156,10 @@ WelcomeSamplePage::WelcomeSamplePage(const OnboardingContext &context, QWidget *
     }
     layout->addWidget(kinds);
 
-    layout->addWidget(headline(QStringLiteral("Result"), this));
+    layout->addWidget(headline(tr("Result"), this));
     result_ = welcomeStyle::label(QString(), TextStyle::body, false, this);
     result_->setObjectName(QStringLiteral("sampleResult"));
-    result_->setAccessibleName(QStringLiteral("Result"));
+    result_->setAccessibleName(tr("Result"));
     result_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     result_->setMinimumHeight(36);
     welcomeStyle::makeSelectable(*result_);
@@ -174,9 +173,9 @@ WelcomeSamplePage::WelcomeSamplePage(const OnboardingContext &context, QWidget *
 
     auto *actions = new QHBoxLayout;
     actions->setSpacing(8);
-    copy_ = new QPushButton(QStringLiteral("Copy Result"), this);
+    copy_ = new QPushButton(tr("Copy Result"), this);
     copy_->setAutoDefault(false);
-    reset_ = new QPushButton(QStringLiteral("Reset Sample"), this);
+    reset_ = new QPushButton(tr("Reset Sample"), this);
     reset_->setAutoDefault(false);
     actions->addWidget(copy_);
     actions->addWidget(reset_);
@@ -186,9 +185,9 @@ WelcomeSamplePage::WelcomeSamplePage(const OnboardingContext &context, QWidget *
     auto *terms = new QVBoxLayout;
     terms->setSpacing(2);
     terms->addWidget(welcomeStyle::label(
-        QStringLiteral("Protected Terms keep names like LLC, macOS, and iPhone correctly capitalized."),
+        tr("Protected Terms keep names like LLC, macOS, and iPhone correctly capitalized."),
         TextStyle::callout, true, this));
-    editTerms_ = welcomeStyle::linkButton(QStringLiteral("Edit Protected Terms"), this);
+    editTerms_ = welcomeStyle::linkButton(tr("Edit Protected Terms"), this);
     terms->addWidget(editTerms_, 0, Qt::AlignLeft);
     layout->addLayout(terms);
 
@@ -256,7 +255,7 @@ QPushButton &WelcomeSamplePage::kindButton(TextTransformKind kind) const {
 
 void WelcomeSamplePage::setDidCopy(bool didCopy) {
     didCopy_ = didCopy;
-    copy_->setText(didCopy ? QStringLiteral("Copied") : QStringLiteral("Copy Result"));
+    copy_->setText(didCopy ? tr("Copied") : tr("Copy Result"));
 }
 
 void WelcomeSamplePage::refresh() {

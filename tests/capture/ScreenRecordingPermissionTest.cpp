@@ -1,5 +1,6 @@
 #include "capture/ScreenRecordingPermission.h"
 #include "capture/PermissionGateServices.h"
+#include "support/PlatformWording.h"
 
 #include <QDialog>
 #include <QPushButton>
@@ -39,6 +40,8 @@ TEST_F(ScreenRecordingPermission, TheFirstRefusalExplainsAndLaterOnesAlert) {
     EXPECT_TRUE(panel->isVisible());
     EXPECT_EQ(panel->windowTitle(), QStringLiteral("Screen Text Capture"));
     EXPECT_EQ(panel->size(), QSize(420, 220));
+    EXPECT_EQ(glyphmill::testing::textsNamingAnotherPlatform(glyphmill::testing::textsShownBy(*panel)),
+              QStringList());
     EXPECT_EQ(explained(), true);
     // Shown again while it is open: the same panel comes forward.
     showScreenRecordingExplanation();
@@ -53,8 +56,8 @@ TEST_F(ScreenRecordingPermission, TheFirstRefusalExplainsAndLaterOnesAlert) {
     ASSERT_EQ(dialogs.shown().size(), 1u);
     const auto &alert = dialogs.shown().front();
     EXPECT_EQ(alert.title, u"Screen Recording Is Required");
-    EXPECT_EQ(alert.message, u"Turn on Glyphmill in System Settings → Privacy & Security → Screen Recording, "
-                             u"then try Capture Text from Screen again.");
+    EXPECT_EQ(alert.message, u"Glyphmill can read the screen only in an X11 session. Log in to an X11 "
+                             u"session, then try Capture Text from Screen again.");
     EXPECT_EQ(alert.options, (std::vector<std::u16string>{u"Open Settings", u"Cancel"}));
     EXPECT_TRUE(urls.requested.empty());
 

@@ -9,6 +9,7 @@
 #include "platform/ScriptedDialogs.h"
 #include "settings/AppSettings.h"
 #include "settings/HotKeyManager.h"
+#include "support/PlatformWording.h"
 #include "transform/ProtectedTermsStore.h"
 #include "ui/ProtectedTermsEditor.h"
 #include "ui/ShortcutRecorder.h"
@@ -217,6 +218,17 @@ TEST(SettingsVersion, MissingPartsReadAsAnEmDash) {
     EXPECT_EQ(versionString("0.1.0", "1"), QStringLiteral("0.1.0 (1)"));
     EXPECT_EQ(versionString("0.1.0", ""), QStringLiteral("0.1.0 (—)"));
     EXPECT_EQ(versionString("", ""), QStringLiteral("— (—)"));
+}
+
+TEST_F(SettingsWindowTest, NoTextSpeaksOfAnotherPlatform) {
+    for (const bool failed : {false, true}) {
+        settings.setPaletteShortcutRegistrationFailed(failed);
+        settings.setTitleCaseShortcutRegistrationFailed(failed);
+        settings.setScreenCaptureShortcutRegistrationFailed(failed);
+        settings.setPastePlainTextShortcutRegistrationFailed(failed);
+        EXPECT_EQ(glyphmill::testing::textsNamingAnotherPlatform(glyphmill::testing::textsShownBy(window)),
+                  QStringList());
+    }
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "platform/InMemoryPasteboard.h"
 #include "platform/InMemoryPreferenceStore.h"
 #include "settings/AppSettings.h"
+#include "support/PlatformWording.h"
 #include "support/SpinUntil.h"
 #include "transform/ProtectedTermsStore.h"
 #include "ui/OnboardingView.h"
@@ -312,7 +313,7 @@ TEST_F(WelcomeGuideTest, ThePaletteShortcutTextsFollowTheRegistrationFailure) {
               "Opens the floating palette near your pointer so you can format clipboard text.");
     EXPECT_EQ(ready.paletteRowMessage(), "Press " + chord +
                                              " to format clipboard text. To change a selection in place, use "
-                                             "Services \u2192 Glyphmill.");
+                                             "the glyphmill service command.");
     EXPECT_EQ(palette.exampleResult(),
               qs(TextTransformer{store.terms(), settings.textProtectionOptions()}.apply(
                   TextTransformKind::smartCase, u"WELCOME TO ACME LLC")));
@@ -324,10 +325,24 @@ TEST_F(WelcomeGuideTest, ThePaletteShortcutTextsFollowTheRegistrationFailure) {
               "Glyphmill menu, or choose another shortcut in Settings.");
     EXPECT_EQ(ready.paletteRowMessage(),
               "Open the floating palette from the Glyphmill menu to format clipboard "
-              "text. To change a selection in place, use Services \u2192 Glyphmill.");
+              "text. To change a selection in place, use the glyphmill service command.");
 
     settings.setPaletteShortcutRegistrationFailed(false);
     EXPECT_EQ(palette.shortcutHeading(), chord);
+}
+
+TEST_F(WelcomeGuideTest, NoPageSpeaksOfAnotherPlatform) {
+    openGuide();
+    // The sample and the protected terms it names are the user's text, not the program's.
+    sample().editor().clear();
+    const QString termsHint =
+        QStringLiteral("Protected Terms keep names like LLC, macOS, and iPhone correctly capitalized.");
+    for (const bool registrationFailed : {false, true}) {
+        settings.setPaletteShortcutRegistrationFailed(registrationFailed);
+        QStringList texts = glyphmill::testing::textsShownBy(*existingWelcomeWindow());
+        EXPECT_TRUE(texts.removeAll(termsHint) > 0);
+        EXPECT_EQ(glyphmill::testing::textsNamingAnotherPlatform(texts), QStringList());
+    }
 }
 
 TEST_F(WelcomeGuideTest, PagesFadeUnlessReducedMotionIsOn) {

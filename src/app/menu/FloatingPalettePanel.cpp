@@ -16,10 +16,6 @@
 namespace glyphmill {
 
 const QString FloatingPalettePanel::title = QStringLiteral("Glyphmill");
-const QString FloatingPalettePanel::hintWithText = QStringLiteral("Transform clipboard text");
-const QString FloatingPalettePanel::hintWithoutText = QStringLiteral(
-    "Copy text first, then choose a conversion. For in-place transforms, use Services \u2192 Glyphmill.");
-const QString FloatingPalettePanel::servicesHelpTitle = QStringLiteral("How to Use Services\u2026");
 
 namespace {
 
@@ -98,15 +94,15 @@ QSize FloatingPalettePanel::sizeFor(bool hasText) {
 QString FloatingPalettePanel::helpText(TextTransformKind kind) {
     switch (kind) {
     case TextTransformKind::smartCase:
-        return QStringLiteral("Fix inconsistent capitalization while protecting brands and links");
+        return tr("Fix inconsistent capitalization while protecting brands and links");
     case TextTransformKind::titleCase:
-        return QStringLiteral("Capitalize significant words for titles");
+        return tr("Capitalize significant words for titles");
     case TextTransformKind::uppercase:
-        return QStringLiteral("Convert to uppercase");
+        return tr("Convert to uppercase");
     case TextTransformKind::lowercase:
-        return QStringLiteral("Convert to lowercase");
+        return tr("Convert to lowercase");
     case TextTransformKind::capitalizeWords:
-        return QStringLiteral("Capitalize every word");
+        return tr("Capitalize every word");
     }
     return {};
 }
@@ -129,8 +125,8 @@ void FloatingPalettePanel::buildHeader(QVBoxLayout &layout) {
     close->setIcon(paletteGlyphs::closeIcon(palette()));
     close->setIconSize({16, 16});
     close->setFixedSize(20, 20);
-    close->setAccessibleName(QStringLiteral("Close"));
-    close->setToolTip(QStringLiteral("Close"));
+    close->setAccessibleName(tr("Close"));
+    close->setToolTip(tr("Close"));
     close->setFocusPolicy(Qt::NoFocus);
     connect(close, &QToolButton::clicked, this, [this] {
         if (view_.onDismiss)
@@ -142,7 +138,10 @@ void FloatingPalettePanel::buildHeader(QVBoxLayout &layout) {
 }
 
 void FloatingPalettePanel::buildHint(QVBoxLayout &layout) {
-    hintLabel_ = new QLabel(view_.hasText ? hintWithText : hintWithoutText, this);
+    hintLabel_ = new QLabel(view_.hasText ? tr("Transform clipboard text")
+                                          : tr("Copy text first, then choose a conversion. For in-place "
+                                               "transforms, use the glyphmill service command."),
+                            this);
     hintLabel_->setFont(captionFont(font()));
     hintLabel_->setWordWrap(true);
     useSecondaryTextColor(*hintLabel_);
@@ -156,7 +155,7 @@ void FloatingPalettePanel::buildHint(QVBoxLayout &layout) {
     block->addWidget(hintLabel_);
     // A tool button: bordered like a push button, but as compact as the caption it belongs to.
     auto *help = new QToolButton(this);
-    help->setText(servicesHelpTitle);
+    help->setText(tr("How to Use Services\u2026"));
     help->setFont(captionFont(font()));
     help->setToolButtonStyle(Qt::ToolButtonTextOnly);
     servicesHelpButton_ = help;

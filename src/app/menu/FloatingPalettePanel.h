@@ -34,9 +34,6 @@ public:
     static constexpr int heightWithoutText = 250;
 
     static const QString title;
-    static const QString hintWithText;
-    static const QString hintWithoutText;
-    static const QString servicesHelpTitle;
 
     explicit FloatingPalettePanel(FloatingPaletteView view);
 

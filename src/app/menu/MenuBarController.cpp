@@ -17,9 +17,6 @@
 
 namespace glyphmill {
 
-const QString MenuBarController::noTextStatistics = QStringLiteral("No text on clipboard");
-const QString MenuBarController::noCapturesTitle = QStringLiteral("No Captures");
-
 namespace {
 
 QString toQString(std::u16string_view text) {
@@ -31,7 +28,7 @@ bool isCharacterKey(std::uint32_t keyCode) {
     return keyCode <= 50 && keyCode != 10 && keyCode != 36 && keyCode != 48 && keyCode != 49;
 }
 
-constexpr KeyboardShortcutChord quitChord{12, carbonModifier::command}; // ⌘Q
+constexpr KeyboardShortcutChord quitChord{12, carbonModifier::command}; // shown as Super+Q
 
 } // namespace
 
@@ -117,27 +114,27 @@ void MenuBarController::rebuildMenu() {
     addLineProcessingMenu(usable);
     menu.addSeparator();
 
-    addRow(menu, QStringLiteral("Clear Formatting"), [&manager] {
+    addRow(menu, tr("Clear Formatting"), [&manager] {
         manager.clearClipboardFormatting();
     })->setEnabled(usable);
     addAutomaticClearingRow();
     addRow(
-        menu, QStringLiteral("Paste as Plain Text"), [&manager] { manager.pasteAsPlainText(true); },
-        Dispatch::queued, menuShortcutHint(settings.shortcut(KeyboardShortcutID::pastePlainText)))
+        menu, tr("Paste as Plain Text"), [&manager] { manager.pasteAsPlainText(true); }, Dispatch::queued,
+        menuShortcutHint(settings.shortcut(KeyboardShortcutID::pastePlainText)))
         ->setEnabled(usable);
     menu.addSeparator();
 
     if (startScreenCapture_)
         addRow(
-            menu, QStringLiteral("Capture Text from Screen"), [this] { startScreenCapture_(); },
-            Dispatch::queued, menuShortcutHint(settings.shortcut(KeyboardShortcutID::screenCapture)));
+            menu, tr("Capture Text from Screen"), [this] { startScreenCapture_(); }, Dispatch::queued,
+            menuShortcutHint(settings.shortcut(KeyboardShortcutID::screenCapture)));
     addRow(
-        menu, QStringLiteral("Open Floating Palette"), [this] { openFloatingPalette(); }, Dispatch::queued,
+        menu, tr("Open Floating Palette"), [this] { openFloatingPalette(); }, Dispatch::queued,
         menuShortcutHint(settings.shortcut(KeyboardShortcutID::palette)));
     menu.addSeparator();
 
     ClipboardHistory &history = controllers_.history;
-    addRow(menu, QStringLiteral("Restore Previous Clipboard"), [this, &history] {
+    addRow(menu, tr("Restore Previous Clipboard"), [this, &history] {
         if (history.canRestore() && !history.restore())
             controllers_.manager.showClipboardAlert(ClipboardManager::writeFailedMessage);
     })->setEnabled(history.canRestore());
@@ -149,13 +146,12 @@ void MenuBarController::rebuildMenu() {
 
     if (openSettings_) {
         addRow(
-            menu, QStringLiteral("Settings\u2026"), [this] { openSettings_(termsStore_); },
-            Dispatch::immediate)
+            menu, tr("Settings\u2026"), [this] { openSettings_(termsStore_); }, Dispatch::immediate)
             ->setIcon(QIcon::fromTheme(QStringLiteral("preferences-system")));
         menu.addSeparator();
     }
     addRow(
-        menu, QStringLiteral("Quit Glyphmill"), [] { QCoreApplication::quit(); }, Dispatch::immediate,
+        menu, tr("Quit Glyphmill"), [] { QCoreApplication::quit(); }, Dispatch::immediate,
         menuShortcutHint(quitChord));
 }
 
@@ -198,34 +194,34 @@ void MenuBarController::addTransformRow(TextTransformKind kind, bool usable) {
 }
 
 void MenuBarController::addLineProcessingMenu(bool usable) {
-    QMenu &submenu = *addSubmenu(QStringLiteral("Line Processing"));
+    QMenu &submenu = *addSubmenu(tr("Line Processing"));
     submenu.menuAction()->setEnabled(usable);
     LineToolCommands &tools = controllers_.lineTools;
     const auto add = [&](const char *title, void (LineToolCommands::*command)()) {
-        addRow(submenu, QString::fromUtf8(title), [&tools, command] { (tools.*command)(); });
+        addRow(submenu, tr(title), [&tools, command] { (tools.*command)(); });
     };
-    add("Sort", &LineToolCommands::sortLines);
-    add("Remove Duplicates", &LineToolCommands::removeDuplicateLines);
-    add("Remove Empty", &LineToolCommands::removeEmptyLines);
+    add(QT_TR_NOOP("Sort"), &LineToolCommands::sortLines);
+    add(QT_TR_NOOP("Remove Duplicates"), &LineToolCommands::removeDuplicateLines);
+    add(QT_TR_NOOP("Remove Empty"), &LineToolCommands::removeEmptyLines);
     submenu.addSeparator();
-    add("Number\u2026", &LineToolCommands::numberLines);
-    add("Bullet", &LineToolCommands::bulletLines);
-    add("Join\u2026", &LineToolCommands::joinLines);
-    add("Split\u2026", &LineToolCommands::splitLines);
+    add(QT_TR_NOOP("Number\u2026"), &LineToolCommands::numberLines);
+    add(QT_TR_NOOP("Bullet"), &LineToolCommands::bulletLines);
+    add(QT_TR_NOOP("Join\u2026"), &LineToolCommands::joinLines);
+    add(QT_TR_NOOP("Split\u2026"), &LineToolCommands::splitLines);
     submenu.addSeparator();
-    add("HTML to Plain Text", &LineToolCommands::htmlToPlainText);
-    add("Matching Regex", &LineToolCommands::linesMatchingRegex);
-    add("Containing\u2026", &LineToolCommands::linesContaining);
+    add(QT_TR_NOOP("HTML to Plain Text"), &LineToolCommands::htmlToPlainText);
+    add(QT_TR_NOOP("Matching Regex"), &LineToolCommands::linesMatchingRegex);
+    add(QT_TR_NOOP("Containing\u2026"), &LineToolCommands::linesContaining);
     submenu.addSeparator();
-    add("Fix Whitespace", &LineToolCommands::fixWhitespace);
-    add("Find & Replace Clipboard\u2026", &LineToolCommands::findAndReplaceClipboard);
+    add(QT_TR_NOOP("Fix Whitespace"), &LineToolCommands::fixWhitespace);
+    add(QT_TR_NOOP("Find & Replace Clipboard\u2026"), &LineToolCommands::findAndReplaceClipboard);
 }
 
 void MenuBarController::addCaptureHistoryMenu() {
-    QMenu &submenu = *addSubmenu(QStringLiteral("Capture History"));
+    QMenu &submenu = *addSubmenu(tr("Capture History"));
     const auto &items = controllers_.captureHistory.items();
     if (items.empty()) {
-        submenu.addAction(noCapturesTitle)->setEnabled(false);
+        submenu.addAction(tr("No Captures"))->setEnabled(false);
         return;
     }
     for (const CaptureHistoryItem &item : items) {
@@ -238,21 +234,21 @@ void MenuBarController::addCaptureHistoryMenu() {
     }
     submenu.addSeparator();
     addRow(
-        submenu, QStringLiteral("Clear Capture History"), [this] { controllers_.captureHistory.clear(); },
+        submenu, tr("Clear Capture History"), [this] { controllers_.captureHistory.clear(); },
         Dispatch::immediate);
 }
 
 void MenuBarController::addAutomaticClearingRow() {
     QAction *action = addRow(
-        *menu_, QStringLiteral("Automatically Clear Formatting"),
-        [this] { toggleAutomaticallyClearFormatting(); }, Dispatch::immediate);
+        *menu_, tr("Automatically Clear Formatting"), [this] { toggleAutomaticallyClearFormatting(); },
+        Dispatch::immediate);
     action->setCheckable(true);
     action->setChecked(controllers_.settings.automaticallyClearFormatting());
 }
 
 QString MenuBarController::statisticsTitle() const {
     if (!controllers_.monitor.hasUsableText())
-        return noTextStatistics;
+        return tr("No text on clipboard");
     return toQString(controllers_.monitor.statistics().displayText());
 }
 

@@ -47,9 +47,6 @@ public:
         FloatingPaletteController &palette;
     };
 
-    static const QString noTextStatistics;
-    static const QString noCapturesTitle;
-
     explicit MenuBarController(Controllers controllers, QObject *parent = nullptr);
     ~MenuBarController() override;
 

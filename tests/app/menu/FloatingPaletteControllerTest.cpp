@@ -84,9 +84,9 @@ TEST_F(PaletteTest, BlankClipboardTextDisablesTheTransformsAndOffersServicesHelp
     EXPECT_GE(panel.hintLabel()->height(), panel.hintLabel()->heightForWidth(panel.hintLabel()->width()));
     for (const QPushButton *button : panel.modeButtons())
         EXPECT_FALSE(button->isEnabled());
-    EXPECT_EQ(
-        panel.hintLabel()->text(),
-        u"Copy text first, then choose a conversion. For in-place transforms, use Services \u2192 Glyphmill."_s);
+    EXPECT_EQ(panel.hintLabel()->text(),
+              u"Copy text first, then choose a conversion. For in-place transforms, "
+              u"use the glyphmill service command."_s);
     ASSERT_NE(panel.servicesHelpButton(), nullptr);
     EXPECT_EQ(panel.servicesHelpButton()->text(), u"How to Use Services\u2026"_s);
     panel.servicesHelpButton()->click();

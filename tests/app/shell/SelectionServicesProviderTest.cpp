@@ -3,9 +3,16 @@
 #include "platform/InMemoryLoginItem.h"
 #include "platform/InMemoryPasteboard.h"
 #include "platform/InMemoryPreferenceStore.h"
+#include "platform/PlatformServices.h"
+#include "platform/RecordingUrlOpener.h"
 #include "settings/AppSettings.h"
+#include "support/PlatformWording.h"
 #include "transform/ProtectedTermsStore.h"
 
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace glyphmill {
@@ -72,6 +79,42 @@ TEST_F(SelectionServices, ReadsTheTermsAndSwitchesAtEveryRequest) {
     pasteboard.copyTextFromOtherApplication(u"see https://example.com/Path");
     ASSERT_TRUE(provider.transformUppercase(pasteboard));
     EXPECT_EQ(selection(), u"SEE HTTPS://EXAMPLE.COM/PATH");
+}
+
+// Runs the help alert and presses the button with the given title once it shows; answers what
+// the alert said and which addresses were opened.
+std::pair<QStringList, std::vector<std::string>> runServicesHelp(const QString &pressed) {
+    RecordingUrlOpener urls;
+    PlatformServices services;
+    services.urls = &urls;
+    installPlatformServices(services);
+    QStringList shown;
+    QTimer answerer;
+    QObject::connect(&answerer, &QTimer::timeout, [&] {
+        auto *alert = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!alert)
+            return;
+        answerer.stop();
+        shown = glyphmill::testing::textsShownBy(*alert) << alert->text() << alert->informativeText();
+        for (QAbstractButton *button : alert->buttons())
+            if (button->text() == pressed)
+                button->click();
+    });
+    answerer.start(0);
+    SelectionServicesProvider::showServicesHelp();
+    installPlatformServices({});
+    return {shown, urls.requested};
+}
+
+TEST(ServicesHelp, OnlyTheSecondButtonOpensTheKeyboardShortcutSettings) {
+    const auto [texts, openedByOk] = runServicesHelp(QStringLiteral("OK"));
+    EXPECT_TRUE(texts.contains(QStringLiteral("Transform Text with Services")));
+    EXPECT_EQ(glyphmill::testing::textsNamingAnotherPlatform(texts), QStringList());
+    EXPECT_TRUE(openedByOk.empty());
+
+    const auto opened = runServicesHelp(QStringLiteral("Open Shortcuts Settings")).second;
+    EXPECT_EQ(opened,
+              std::vector<std::string>{"x-apple.systempreferences:com.apple.Keyboard-Settings.extension"});
 }
 
 // What the D-Bus method answers: the text travels in the call instead of on a pasteboard.
