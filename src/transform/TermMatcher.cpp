@@ -6,6 +6,7 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 namespace glyphmill {
@@ -117,6 +118,30 @@ std::size_t TermMatcher::caselessChunk(std::u16string_view text, std::size_t pos
 }
 
 std::optional<TermMatcher::Match> TermMatcher::matchAt(std::u16string_view text, std::size_t position) const {
+    std::size_t walked = 0;
+    return walkFrom(text, position, walked);
+}
+
+std::optional<TermMatcher::Match> TermMatcher::matchAt(std::u16string_view text, std::size_t position,
+                                                       Scan &scan) const {
+    if (scan.everywhere && scan.orderAt[position] != notChunkStart) {
+        const std::int32_t order = scan.orderAt[position];
+        if (order < 0)
+            return std::nullopt;
+        return Match{scan.endAt[position], ordered_[std::size_t(order)]};
+    }
+    std::size_t walked = 0;
+    auto match = walkFrom(text, position, walked);
+    if (!scan.everywhere) {
+        scan.walkBudget -= std::min(walked, scan.walkBudget);
+        if (scan.walkBudget == 0 && text.size() < std::numeric_limits<std::uint32_t>::max())
+            findEverywhere(text, scan);
+    }
+    return match;
+}
+
+std::optional<TermMatcher::Match> TermMatcher::walkFrom(std::u16string_view text, std::size_t position,
+                                                        std::size_t &walked) const {
     if (position > 0 && isAlphanumericUnit(text[position - 1]))
         return std::nullopt;
     char16_t firstUnit = text[position];
@@ -127,7 +152,7 @@ std::optional<TermMatcher::Match> TermMatcher::matchAt(std::u16string_view text,
     int best = -1;
     std::size_t bestEnd = 0;
     std::u16string units;
-    for (std::size_t p = position; p < text.size();) {
+    for (std::size_t p = position; p < text.size(); ++walked) {
         char16_t unit = text[p];
         if (unit < 0x80 && (p + 1 == text.size() || text[p + 1] < 0x300)) {
             // An ASCII character that no mark follows is its own caseless form, lowered.
@@ -156,6 +181,84 @@ std::optional<TermMatcher::Match> TermMatcher::matchAt(std::u16string_view text,
     if (best < 0)
         return std::nullopt;
     return Match{bestEnd, ordered_[std::size_t(best)]};
+}
+
+int TermMatcher::next(int node, char16_t unit) const {
+    for (;;) {
+        const int found = child(node, unit);
+        if (found >= 0)
+            return found;
+        if (node == 0)
+            return 0;
+        node = suffix_[std::size_t(node)];
+    }
+}
+
+void TermMatcher::buildLinks() const {
+    if (!suffix_.empty())
+        return;
+    suffix_.assign(nodes_.size(), 0);
+    termSuffix_.assign(nodes_.size(), -1);
+    depth_.assign(nodes_.size(), 0);
+    // Breadth first, so that a node's suffix is linked before the node's children need it.
+    std::vector<int> queue{0};
+    for (std::size_t head = 0; head < queue.size(); ++head) {
+        const int node = queue[head];
+        for (const auto &[unit, childNode] : nodes_[std::size_t(node)].children) {
+            const auto c = std::size_t(childNode);
+            depth_[c] = depth_[std::size_t(node)] + 1;
+            suffix_[c] = node == 0 ? 0 : next(suffix_[std::size_t(node)], unit);
+            const auto link = std::size_t(suffix_[c]);
+            termSuffix_[c] = nodes_[link].bestOrder >= 0 ? int(link) : termSuffix_[link];
+            queue.push_back(childNode);
+        }
+    }
+}
+
+// One pass over the text's caseless form, chunk by chunk as the walk reads it. Every term that
+// ends at a chunk's end and begins at a chunk's start is a candidate at that start; the lowest
+// order among those with free boundaries is what the walk from that start would accept. A start
+// inside a chunk (a mark after a non-letter) reads a chunk of its own, so the walk decides there.
+void TermMatcher::findEverywhere(std::u16string_view text, Scan &scan) const {
+    buildLinks();
+    scan.everywhere = true;
+    scan.orderAt.assign(text.size(), notChunkStart);
+    scan.endAt.assign(text.size(), 0);
+    // For each caseless unit read so far, the text position of the chunk it begins, if it does.
+    std::vector<std::uint32_t> chunkStartAt;
+    constexpr std::uint32_t inside = std::numeric_limits<std::uint32_t>::max();
+    std::u16string units;
+    int node = 0;
+    for (std::size_t p = 0; p < text.size();) {
+        const std::size_t start = p;
+        scan.orderAt[start] = noTerm;
+        const char16_t unit = text[p];
+        if (unit < 0x80 && (p + 1 == text.size() || text[p + 1] < 0x300)) {
+            units.assign(1, asciiLower(unit));
+            ++p;
+        } else {
+            p = caselessChunk(text, p, units);
+        }
+        for (std::size_t i = 0; i < units.size(); ++i) {
+            chunkStartAt.push_back(i == 0 ? std::uint32_t(start) : inside);
+            node = next(node, units[i]);
+        }
+        if (p < text.size() && isAlphanumericUnit(text[p]))
+            continue;
+        const std::size_t read = chunkStartAt.size();
+        for (int term = nodes_[std::size_t(node)].bestOrder >= 0 ? node : termSuffix_[std::size_t(node)];
+             term >= 0; term = termSuffix_[std::size_t(term)]) {
+            const std::uint32_t begin = chunkStartAt[read - depth_[std::size_t(term)]];
+            if (begin == inside || (begin > 0 && isAlphanumericUnit(text[begin - 1])))
+                continue;
+            std::int32_t &order = scan.orderAt[begin];
+            const std::int32_t termOrder = nodes_[std::size_t(term)].bestOrder;
+            if (order < 0 || termOrder < order) {
+                order = termOrder;
+                scan.endAt[begin] = std::uint32_t(p);
+            }
+        }
+    }
 }
 
 } // namespace glyphmill

@@ -32,9 +32,10 @@ public:
     template <typename Found> void forEachMatch(std::u16string_view text, Found &&found) const {
         if (nodes_.size() <= 1)
             return;
+        Scan state(text.size());
         for (std::size_t p = 0; p < text.size();) {
             if (mayStartAt(text, p)) {
-                if (auto match = matchAt(text, p)) {
+                if (auto match = matchAt(text, p, state)) {
                     found(p, match->end, *match->term);
                     p = match->end;
                     continue;
@@ -46,6 +47,29 @@ public:
     }
 
 private:
+    // One scan of one text. Walking the trie from every start is quick while walks are short;
+    // long terms that the text nearly repeats would make it quadratic (a term of 20,000
+    // characters over 1 MB took a minute). Past a budget of walking, one pass of the
+    // Aho–Corasick automaton finds the accepted term at every position instead.
+    struct Scan {
+        explicit Scan(std::size_t textSize) : walkBudget(8 * textSize + 4096) {}
+        std::size_t walkBudget;
+        bool everywhere = false;
+        // Per text position: the accepted term's order, noTerm, or notChunkStart where the
+        // pass cannot tell and the trie is walked; and the accepted term's end.
+        std::vector<std::int32_t> orderAt;
+        std::vector<std::uint32_t> endAt;
+    };
+    static constexpr std::int32_t noTerm = -1;
+    static constexpr std::int32_t notChunkStart = -2;
+
+    std::optional<Match> matchAt(std::u16string_view text, std::size_t position, Scan &scan) const;
+    // The walk of matchAt; adds the units it walked to walked.
+    std::optional<Match> walkFrom(std::u16string_view text, std::size_t position, std::size_t &walked) const;
+    void findEverywhere(std::u16string_view text, Scan &scan) const;
+    void buildLinks() const;
+    int next(int node, char16_t unit) const;
+
     static char16_t asciiLower(char16_t unit) {
         return unit >= u'A' && unit <= u'Z' ? char16_t(unit + 0x20) : unit;
     }
@@ -82,6 +106,11 @@ private:
     // Bit (first, second) is set when a caseless term can begin with these two ASCII units.
     std::uint64_t asciiPairs_[128 * 2] = {};
     mutable std::unordered_map<char32_t, std::u16string> caselessMemo_;
+    // The automaton's links, made on first need: per node its longest proper suffix in the
+    // trie, the nearest such suffix that ends a term (-1 for none), and its depth in units.
+    mutable std::vector<int> suffix_;
+    mutable std::vector<int> termSuffix_;
+    mutable std::vector<std::uint32_t> depth_;
 };
 
 } // namespace glyphmill

@@ -367,5 +367,38 @@ TEST(Differential, SeededRandomInputs) {
     }
 }
 
+// Long terms that the text nearly repeats make walking the terms from every word too slow, and
+// the matcher changes method part way through a text: both must accept the same terms.
+TEST(Differential, LongTermsThatTheTextNearlyRepeats) {
+    auto repeated = [](std::u16string_view piece, int count) {
+        std::u16string out;
+        for (int i = 0; i < count; ++i)
+            out += piece;
+        return out;
+    };
+    const Terms terms = {repeated(u"Ab ", 30) + u"Stop",
+                         repeated(u"ab ", 20) + u"ab",
+                         repeated(u"Stra\u00DFe ", 12) + u"x",
+                         repeated(u"e\u0301 ", 16) + u"end",
+                         u"\u0301ab ab",
+                         u"AB"};
+    const std::u16string_view pieces[] = {
+        u"ab ",          u"AB ",     u"Ab ",      u"ab ",           u"aB ", u"Ab ",  u"Stop ", u"STRASSE ",
+        u"stra\u00DFe ", u"\u00E9 ", u"e\u0301 ", u" \u0301ab ab ", u"x ",  u"end ", u", ",    u"abab "};
+    std::mt19937 random(7);
+    auto pick = [&](std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(random); };
+    // The reference searches for every term at every position: the texts stay short.
+    MismatchLog log;
+    for (int probe = 0; probe < 3; ++probe) {
+        std::u16string text;
+        while (text.size() < 2000) {
+            // Runs of one piece, as long as the terms or a little shorter, then a stray piece.
+            text += repeated(pieces[pick(std::size(pieces))], 40 + int(pick(120)));
+            text += pieces[pick(std::size(pieces))];
+        }
+        log.compare({text, terms, TextProtectionOptions{}});
+    }
+}
+
 } // namespace
 } // namespace glyphmill
