@@ -41,7 +41,6 @@ public:
 
     ApplicationCommands &commands() { return commands_; }
     ProtectedTermsStore &termsStore() { return termsStore_; }
-    SelectionServicesProvider *servicesProvider() const { return servicesProvider_.get(); }
 
 private:
     ProtectedTermsStore termsStore_;

@@ -3,6 +3,7 @@
 // running one over D-Bus, which is first started on its own when none runs; the command ends
 // with what the application answered.
 #include "app/ApplicationDelegate.h"
+#include "app/DBusNames.h"
 #include "app/ServiceFilter.h"
 #include "app/SingleInstance.h"
 #include "app/TerminationSignals.h"
@@ -169,8 +170,8 @@ int runApplication(const appCommands::Request &request) {
             delegate.withdrawFromBus(bus);
             return forward(bus, request);
         case singleInstance::Claim::failed:
-            note(QStringLiteral("could not claim the name %1 on the session bus")
-                     .arg(QStringLiteral("org.glyphmill.Glyphmill")));
+            note(
+                QStringLiteral("could not claim the name %1 on the session bus").arg(dbusNames::serviceName));
             break;
         }
     }

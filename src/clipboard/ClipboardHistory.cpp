@@ -40,7 +40,6 @@ bool ClipboardHistory::restore() {
 
 void ClipboardHistory::setSavedText(std::optional<std::u16string> text) {
     savedText_ = std::move(text);
-    emit savedTextChanged();
     canRestore_ = savedText_.has_value();
     emit canRestoreChanged(canRestore_);
 }

@@ -39,7 +39,6 @@ public:
 
 signals:
     void canRestoreChanged(bool canRestore);
-    void savedTextChanged();
 
 private:
     void setSavedText(std::optional<std::u16string> text);

@@ -34,7 +34,6 @@ public:
     bool hasUsableText() const { return hasUsableText_; }
     TextStatistics statistics() const { return statistics_; }
     qint64 changeCount() const { return changeCount_; }
-    bool isPolling() const { return timer_ != nullptr && timer_->isActive(); }
 
     // Refreshes, then polls every half second; calling it again restarts the timer.
     void start();

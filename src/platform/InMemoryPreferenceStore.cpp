@@ -10,7 +10,7 @@ std::optional<PreferenceValue> InMemoryPreferenceStore::value(std::string_view k
 }
 
 bool InMemoryPreferenceStore::setValue(std::string_view key, const PreferenceValue &value) {
-    if (failsWrites_ || readFailure_)
+    if (readFailure_)
         return false;
     values_.insert_or_assign(std::string(key), value);
     ++writeCount_;
@@ -18,7 +18,7 @@ bool InMemoryPreferenceStore::setValue(std::string_view key, const PreferenceVal
 }
 
 bool InMemoryPreferenceStore::removeValue(std::string_view key) {
-    if (failsWrites_ || readFailure_)
+    if (readFailure_)
         return false;
     if (auto found = values_.find(key); found != values_.end())
         values_.erase(found);

@@ -1,5 +1,6 @@
-// A preference store that lives only in memory, for tests. It can be told to refuse writes
-// and counts the writes it accepted, so callers can check that nothing was written.
+// A preference store that lives only in memory, for tests. It can be told that its preferences
+// could not be read, and counts the writes it accepted, so callers can check that nothing was
+// written.
 #pragma once
 
 #include "platform/PreferenceStore.h"
@@ -20,7 +21,6 @@ public:
     // As if another program had stored the value (none removes it): observers hear of it.
     void storeFromElsewhere(std::string_view key, const std::optional<PreferenceValue> &value);
 
-    void setFailsWrites(bool failsWrites) { failsWrites_ = failsWrites; }
     // As if the stored preferences could not be read; none clears it. Writes are refused meanwhile.
     void setReadFailure(std::optional<PreferenceReadFailure> failure) { readFailure_ = std::move(failure); }
     std::optional<PreferenceReadFailure> readFailure() const override { return readFailure_; }
@@ -29,7 +29,6 @@ public:
 
 private:
     std::map<std::string, PreferenceValue, std::less<>> values_;
-    bool failsWrites_ = false;
     std::optional<PreferenceReadFailure> readFailure_;
     int writeCount_ = 0;
 };

@@ -31,11 +31,9 @@ public:
                  std::u16string_view cancelTitle) override;
 
     void answerChoice(std::ptrdiff_t index) { choices_.push_back({index, false}); }
-    void cancelChoice() { choices_.push_back({0, true}); }
     void answerText(std::u16string text) { texts_.emplace_back(std::move(text)); }
     void cancelText() { texts_.emplace_back(std::nullopt); }
     void answerFindReplace(FindReplaceRequest request) { findReplaces_.emplace_back(std::move(request)); }
-    void cancelFindReplace() { findReplaces_.emplace_back(std::nullopt); }
     void answerConfirm(bool confirmed) { confirms_.push_back(confirmed); }
 
     const std::vector<Shown> &shown() const { return shown_; }

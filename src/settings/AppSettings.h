@@ -71,7 +71,6 @@ public:
     bool screenCaptureShortcutRegistrationFailed() const { return registrationFailed_[2]; }
     bool pastePlainTextShortcutRegistrationFailed() const { return registrationFailed_[3]; }
     bool shortcutRegistrationFailed(KeyboardShortcutID id) const;
-    bool isReady() const { return isReady_; }
 
     void setLaunchAtLogin(bool value);
     void setOnboardingCompleted(bool value);

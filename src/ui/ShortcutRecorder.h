@@ -34,7 +34,6 @@ public:
     // None ends the recording. Switching from one row to another keeps the hot keys released.
     void setRecordingID(std::optional<KeyboardShortcutID> id);
     void endRecording() { setRecordingID(std::nullopt); }
-    bool isMonitoring() const { return monitoring_; }
 
     // One key press while recording; true when it ended the recording.
     bool handleKeyPress(const TranslatedKey &key);

@@ -30,7 +30,6 @@ struct AppSettingsTest : ::testing::Test {
 
 TEST_F(AppSettingsTest, FirstLaunchReadsDefaultsAndWritesNothing) {
     auto settings = load();
-    EXPECT_TRUE(settings->isReady());
     EXPECT_EQ(settings->textProtectionOptions(), TextProtectionOptions{});
     EXPECT_FALSE(settings->launchAtLogin());
     EXPECT_FALSE(settings->onboardingCompleted());
