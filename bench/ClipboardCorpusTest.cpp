@@ -6,7 +6,7 @@
 #include "clipboard/HtmlText.h"
 #include "clipboard/LineTools.h"
 #include "clipboard/RtfReader.h"
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <gtest/gtest.h>
 

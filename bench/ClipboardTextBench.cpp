@@ -12,7 +12,7 @@
 #include "clipboard/LineTools.h"
 #include "clipboard/RtfReader.h"
 #include "clipboard/TextStatistics.h"
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <benchmark/benchmark.h>
 

@@ -4,10 +4,10 @@
 #include "app/SingleInstance.h"
 #include "cli/Failure.h"
 #include "clipboard/TextClasses.h"
+#include "common/Utf8.h"
 #include "platform/JsonFilePreferenceStore.h"
 #include "settings/SettingsPreferences.h"
 #include "transform/ProtectedTermsStore.h"
-#include "transform/Utf8.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

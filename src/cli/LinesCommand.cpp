@@ -5,7 +5,7 @@
 #include "clipboard/RtfReader.h"
 #include "clipboard/TextClasses.h"
 #include "clipboard/TextStatistics.h"
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 namespace glyphmill::cli {
 namespace {

@@ -2,8 +2,8 @@
 
 #include "cli/InputOutput.h"
 #include "cli/UserPreferences.h"
+#include "common/Utf8.h"
 #include "transform/ProtectedTermsStore.h"
-#include "transform/Utf8.h"
 
 namespace glyphmill::cli {
 

@@ -24,6 +24,8 @@
 // result, is for the others.
 #include "clipboard/HtmlParserInput.h"
 
+#include "common/AsciiText.h"
+
 #include <libxml/HTMLparser.h>
 #include <libxml/encoding.h>
 #include <libxml/globals.h>
@@ -61,24 +63,6 @@ constexpr std::size_t nearTheEnd = 300;
 
 bool isBlankByte(int c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
-
-bool isAsciiLetter(int c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool isAsciiDigit(int c) {
-    return c >= '0' && c <= '9';
-}
-
-int hexValue(int c) {
-    if (isAsciiDigit(c))
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
 }
 
 char asciiLower(int c) {
@@ -657,10 +641,10 @@ private:
     std::string htmlName() {
         std::string name;
         const int first = current();
-        if (!isAsciiLetter(first) && first != '_' && first != ':' && first != '.')
+        if (!ascii::isLetter(first) && first != '_' && first != ':' && first != '.')
             return name;
-        for (int c = first; name.size() < htmlNameLimit && (isAsciiLetter(c) || isAsciiDigit(c) || c == ':' ||
-                                                            c == '-' || c == '_' || c == '.');
+        for (int c = first; name.size() < htmlNameLimit && (ascii::isLetter(c) || ascii::isDigit(c) ||
+                                                            c == ':' || c == '-' || c == '_' || c == '.');
              c = current()) {
             name.push_back(asciiLower(c));
             ++pos_;
@@ -673,9 +657,9 @@ private:
         std::string name;
         for (std::size_t i = 1; name.size() < htmlNameLimit; ++i) {
             const int c = ahead(i);
-            const bool fits = i == 1
-                                  ? isAsciiLetter(c) || c == '_' || c == ':'
-                                  : isAsciiLetter(c) || isAsciiDigit(c) || c == ':' || c == '-' || c == '_';
+            const bool fits =
+                i == 1 ? ascii::isLetter(c) || c == '_' || c == ':'
+                       : ascii::isLetter(c) || ascii::isDigit(c) || c == ':' || c == '-' || c == '_';
             if (!fits)
                 break;
             name.push_back(asciiLower(c));
@@ -687,11 +671,11 @@ private:
     std::optional<std::string> xmlName() {
         const std::size_t start = pos_;
         const int first = current();
-        if (isAsciiLetter(first) || first == '_' || first == ':') {
+        if (ascii::isLetter(first) || first == '_' || first == ':') {
             std::size_t end = pos_ + 1;
             while (end < text_.size()) {
                 const int c = byteAt(end);
-                if (!isAsciiLetter(c) && !isAsciiDigit(c) && c != '_' && c != '-' && c != ':' && c != '.')
+                if (!ascii::isLetter(c) && !ascii::isDigit(c) && c != '_' && c != '-' && c != ':' && c != '.')
                     break;
                 ++end;
             }
@@ -735,7 +719,9 @@ private:
         const bool isHex = ahead(2) == 'x' || ahead(2) == 'X';
         pos_ += isHex ? 3 : 2;
         while (current() != ';') {
-            const int digit = isHex ? hexValue(current()) : isAsciiDigit(current()) ? current() - '0' : -1;
+            const int digit = isHex                       ? ascii::hexValue(current())
+                              : ascii::isDigit(current()) ? current() - '0'
+                                                          : -1;
             if (digit < 0)
                 break;
             if (value < 0x110000)
@@ -792,7 +778,7 @@ private:
                 }
                 continue;
             }
-            if (current() == '<' && (isAsciiLetter(ahead(1)) || ahead(1) == '_' || ahead(1) == ':') &&
+            if (current() == '<' && (ascii::isLetter(ahead(1)) || ahead(1) == '_' || ahead(1) == ':') &&
                 top()) {
                 const Name next = intern(tagNameAhead());
                 nameAhead_ = next;
@@ -821,7 +807,7 @@ private:
                 comment();
             } else if (atProcessingInstruction()) {
                 processingInstruction();
-            } else if (current() == '<' && isAsciiLetter(ahead(1))) {
+            } else if (current() == '<' && ascii::isLetter(ahead(1))) {
                 if (!startTag())
                     return;
                 currentNode_ = top();
@@ -1050,7 +1036,7 @@ private:
         } else if (!afterRawText) {
             out_ += "</";
             const int c = current();
-            if (isAsciiLetter(c) || c == '_' || c == ':' || c == '.')
+            if (ascii::isLetter(c) || c == '_' || c == ':' || c == '.')
                 out_ += ' ';
         } else {
             // The joined text goes on to what follows; an end tag right after it is reached from
@@ -1071,7 +1057,7 @@ private:
             return false;
         if (c == '<' && ahead(1) == '/' && !endsRawText(element, pos_ + 2))
             return false;
-        if (c == '<' && (isAsciiLetter(ahead(1)) || ahead(1) == '_' || ahead(1) == ':') &&
+        if (c == '<' && (ascii::isLetter(ahead(1)) || ahead(1) == '_' || ahead(1) == ':') &&
             closes(intern(tagNameAhead()), top()))
             return false;
         flush();

@@ -13,7 +13,7 @@
 #include "clipboard/HtmlText.h"
 
 #include "clipboard/HtmlParserInput.h"
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <libxml/HTMLparser.h>
 #include <libxml/SAX2.h>

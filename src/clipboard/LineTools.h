@@ -2,7 +2,7 @@
 // a CR stays part of its line.
 #pragma once
 
-#include "clipboard/FindReplaceRequest.h"
+#include "common/FindReplaceRequest.h"
 #include "transform/FastScan.h"
 
 #include <array>

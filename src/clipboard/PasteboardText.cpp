@@ -3,7 +3,7 @@
 #include "clipboard/HtmlText.h"
 #include "clipboard/RtfReader.h"
 #include "clipboard/TextClasses.h"
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <algorithm>
 

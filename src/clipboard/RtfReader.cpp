@@ -1,5 +1,7 @@
 #include "clipboard/RtfReader.h"
 
+#include "common/AsciiText.h"
+
 #include <unicode/ucnv.h>
 
 #include <algorithm>
@@ -212,23 +214,6 @@ const std::unordered_map<std::string_view, WordMeaning> &controlWords() {
     return words;
 }
 
-bool isAsciiLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-bool isAsciiDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-int hexValue(char c) {
-    if (isAsciiDigit(c))
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
-
 class RtfReader {
 public:
     explicit RtfReader(std::string_view rtf) : input_(rtf) {}
@@ -313,14 +298,14 @@ private:
             return;
         }
         const char first = input_[start];
-        if (isAsciiLetter(first)) {
+        if (ascii::isLetter(first)) {
             readControlWord(start);
             return;
         }
         position_ = start + 1;
         if (first == '\'') {
-            int high = position_ < input_.size() ? hexValue(input_[position_]) : -1;
-            int low = position_ + 1 < input_.size() ? hexValue(input_[position_ + 1]) : -1;
+            int high = position_ < input_.size() ? ascii::hexValue(input_[position_]) : -1;
+            int low = position_ + 1 < input_.size() ? ascii::hexValue(input_[position_ + 1]) : -1;
             if (high < 0 || low < 0)
                 return;
             position_ += 2;
@@ -357,17 +342,17 @@ private:
 
     void readControlWord(std::size_t start) {
         std::size_t end = start;
-        while (end < input_.size() && isAsciiLetter(input_[end]))
+        while (end < input_.size() && ascii::isLetter(input_[end]))
             ++end;
         std::string_view name = input_.substr(start, end - start);
         bool isNegative = false;
-        if (end + 1 < input_.size() && input_[end] == '-' && isAsciiDigit(input_[end + 1])) {
+        if (end + 1 < input_.size() && input_[end] == '-' && ascii::isDigit(input_[end + 1])) {
             isNegative = true;
             ++end;
         }
         std::int64_t magnitude = 0;
         bool hasParameter = false;
-        while (end < input_.size() && isAsciiDigit(input_[end])) {
+        while (end < input_.size() && ascii::isDigit(input_[end])) {
             hasParameter = true;
             magnitude = std::min<std::int64_t>(magnitude * 10 + (input_[end] - '0'), INT32_MAX);
             ++end;

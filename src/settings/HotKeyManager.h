@@ -3,8 +3,8 @@
 // a press into its action. Every action runs later on the main thread, never inside the press.
 #pragma once
 
+#include "common/KeyboardShortcut.h"
 #include "platform/HotKeyGrabber.h"
-#include "settings/KeyboardShortcut.h"
 
 #include <QObject>
 

@@ -3,8 +3,8 @@
 // turned off in the settings window is off for `glyphmill transform` too.
 #pragma once
 
+#include "common/KeyboardShortcut.h"
 #include "platform/PreferenceStore.h"
-#include "settings/KeyboardShortcut.h"
 #include "transform/TextTransformer.h"
 
 #include <string_view>

@@ -2,7 +2,7 @@
 // the monitor that, while a row records, takes every key press of the application for itself.
 #pragma once
 
-#include "settings/KeyboardShortcut.h"
+#include "common/KeyboardShortcut.h"
 
 #include <QObject>
 #include <QString>

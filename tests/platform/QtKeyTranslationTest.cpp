@@ -1,5 +1,5 @@
 #include "platform/linux/QtKeyTranslation.h"
-#include "settings/KeyboardShortcut.h"
+#include "common/KeyboardShortcut.h"
 
 #include <QKeyEvent>
 #include <X11/keysym.h>

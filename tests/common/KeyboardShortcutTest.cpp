@@ -1,6 +1,6 @@
-#include "settings/KeyboardShortcut.h"
+#include "common/KeyboardShortcut.h"
 
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <gtest/gtest.h>
 

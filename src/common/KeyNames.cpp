@@ -1,7 +1,7 @@
 // How a chord is shown to the user, the way Linux desktops write key combinations: the
 // modifiers' names, then the key's, joined by "+" ("Shift+Super+T"). Command is the Super key
 // and Option the Alt key on a PC keyboard.
-#include "settings/KeyboardShortcut.h"
+#include "common/KeyboardShortcut.h"
 
 #include <utility>
 

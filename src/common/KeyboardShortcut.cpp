@@ -1,4 +1,4 @@
-#include "settings/KeyboardShortcut.h"
+#include "common/KeyboardShortcut.h"
 
 #include <nlohmann/json.hpp>
 
