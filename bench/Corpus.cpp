@@ -4,7 +4,7 @@
 #include "SeededRandom.h"
 
 #include "common/Utf8.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 #include <unicode/ucasemap.h>
 

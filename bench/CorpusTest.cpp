@@ -5,7 +5,7 @@
 #include "CorpusVocabulary.h"
 
 #include "common/Utf8.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 #include <gtest/gtest.h>
 #include <unicode/locid.h>

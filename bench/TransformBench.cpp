@@ -7,7 +7,7 @@
 #include "Corpus.h"
 
 #include "common/Utf8.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "transform/TextTransformer.h"
 
 #include <benchmark/benchmark.h>

@@ -5,7 +5,7 @@
 
 #include "common/Utf8.h"
 #include "reference/ReferenceTransformer.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "transform/TextTransformer.h"
 
 #include <algorithm>

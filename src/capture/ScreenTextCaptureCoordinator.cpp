@@ -11,8 +11,8 @@
 #include "platform/PlatformServices.h"
 #include "platform/SystemLog.h"
 #include "settings/AppSettings.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "transform/CaseRules.h"
-#include "transform/ProtectedTermsStore.h"
 #include "transform/TextTransformer.h"
 
 #include <QCoreApplication>

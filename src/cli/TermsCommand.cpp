@@ -3,7 +3,7 @@
 #include "cli/InputOutput.h"
 #include "cli/UserPreferences.h"
 #include "common/Utf8.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 namespace glyphmill::cli {
 

@@ -1,6 +1,6 @@
 #include "clipboard/CaptureHistory.h"
 
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/TextClasses.h"
 #include "common/Utf8.h"
 #include "platform/PlatformServices.h"
 #include "transform/TextModel.h"

@@ -4,7 +4,7 @@
 #include "platform/PlatformServices.h"
 #include "platform/linux/DesktopMotionSetting.h"
 #include "settings/AppSettings.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "ui/OnboardingView.h"
 #include "ui/WelcomeGuideStyle.h"
 #include "ui/WindowActions.h"

@@ -1,7 +1,7 @@
 #include "platform/linux/PreferenceFileWatcher.h"
 #include "platform/JsonFilePreferenceStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "support/SpinUntil.h"
-#include "transform/ProtectedTermsStore.h"
 
 #include <QTemporaryDir>
 

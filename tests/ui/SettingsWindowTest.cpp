@@ -9,7 +9,7 @@
 #include "platform/ScriptedDialogs.h"
 #include "settings/AppSettings.h"
 #include "settings/HotKeyManager.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "ui/ProtectedTermsEditor.h"
 #include "ui/ShortcutRecorder.h"
 

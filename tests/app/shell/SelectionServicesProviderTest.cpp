@@ -4,7 +4,7 @@
 #include "platform/InMemoryPasteboard.h"
 #include "platform/InMemoryPreferenceStore.h"
 #include "settings/AppSettings.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "clipboard/HtmlText.h"
+#include "clipboard/text/HtmlText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "clipboard/TextStatistics.h"
+#include "clipboard/text/TextStatistics.h"
 
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/TextClasses.h"
 #include "transform/TextModel.h"
 
 namespace glyphmill {

@@ -1,8 +1,8 @@
 // The tools that keep only some lines: those a regular expression matches, and those that
 // contain a text.
-#include "clipboard/LineTools.h"
+#include "clipboard/text/LineTools.h"
 
-#include "clipboard/LiteralSearch.h"
+#include "clipboard/text/LiteralSearch.h"
 #include "transform/TextModel.h"
 
 #include <unicode/regex.h>

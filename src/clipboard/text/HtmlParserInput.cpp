@@ -22,7 +22,7 @@
 // Cost. A first run only adds up what libxml2 would spend on attributes and open elements. Most
 // documents stay below the bar and go to the parser as they are; the second run, which writes the
 // result, is for the others.
-#include "clipboard/HtmlParserInput.h"
+#include "clipboard/text/HtmlParserInput.h"
 
 #include "common/AsciiText.h"
 

@@ -1,4 +1,4 @@
-#include "clipboard/HtmlParserInput.h"
+#include "clipboard/text/HtmlParserInput.h"
 
 #include <gtest/gtest.h>
 #include <libxml/HTMLparser.h>

@@ -1,4 +1,4 @@
-#include "clipboard/LiteralSearch.h"
+#include "clipboard/text/LiteralSearch.h"
 
 #include <gtest/gtest.h>
 

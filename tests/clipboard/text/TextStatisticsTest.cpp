@@ -1,4 +1,4 @@
-#include "clipboard/TextStatistics.h"
+#include "clipboard/text/TextStatistics.h"
 
 #include <gtest/gtest.h>
 

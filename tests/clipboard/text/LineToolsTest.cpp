@@ -1,6 +1,6 @@
-#include "clipboard/LineTools.h"
+#include "clipboard/text/LineTools.h"
 
-#include "clipboard/LocaleCollator.h"
+#include "clipboard/text/LocaleCollator.h"
 #include "transform/TextModel.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/TextClasses.h"
 
 #include "transform/TextModel.h"
 

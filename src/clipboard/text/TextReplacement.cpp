@@ -1,8 +1,8 @@
 // Find & Replace over the whole text: a literal search in which canonically equivalent text
 // matches and, unless case must match, case is ignored.
-#include "clipboard/LineTools.h"
+#include "clipboard/text/LineTools.h"
 
-#include "clipboard/LiteralSearch.h"
+#include "clipboard/text/LiteralSearch.h"
 #include "transform/TextModel.h"
 
 #include <unicode/normalizer2.h>

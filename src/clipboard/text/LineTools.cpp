@@ -1,8 +1,8 @@
 // The choice lists, line breaking and assembly, and the tools that reshape lines one at a time.
-#include "clipboard/LineTools.h"
+#include "clipboard/text/LineTools.h"
 
-#include "clipboard/LiteralSearch.h"
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/LiteralSearch.h"
+#include "clipboard/text/TextClasses.h"
 #include "transform/FastScan.h"
 #include "transform/TextModel.h"
 

@@ -4,9 +4,9 @@
 // million empty lines takes no more memory than one of a few long ones: offsets into the text
 // rather than views of it, one sort key for all the lines that share it, and results written
 // straight to their place rather than assembled from a list of lines.
-#include "clipboard/LineTools.h"
+#include "clipboard/text/LineTools.h"
 
-#include "clipboard/LocaleCollator.h"
+#include "clipboard/text/LocaleCollator.h"
 
 #include <unicode/coll.h>
 #include <unicode/normalizer2.h>

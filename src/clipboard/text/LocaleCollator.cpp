@@ -1,4 +1,4 @@
-#include "clipboard/LocaleCollator.h"
+#include "clipboard/text/LocaleCollator.h"
 
 #include <unicode/locid.h>
 

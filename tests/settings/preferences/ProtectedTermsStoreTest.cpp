@@ -1,4 +1,4 @@
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 #include "platform/InMemoryPreferenceStore.h"
 

@@ -1,4 +1,4 @@
-#include "settings/SettingsPreferences.h"
+#include "settings/preferences/SettingsPreferences.h"
 
 namespace glyphmill {
 

@@ -1,8 +1,8 @@
-#include "clipboard/PasteboardText.h"
+#include "clipboard/text/PasteboardText.h"
 
-#include "clipboard/HtmlText.h"
-#include "clipboard/RtfReader.h"
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/HtmlText.h"
+#include "clipboard/text/RtfReader.h"
+#include "clipboard/text/TextClasses.h"
 #include "common/Utf8.h"
 
 #include <algorithm>

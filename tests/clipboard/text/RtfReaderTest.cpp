@@ -1,4 +1,4 @@
-#include "clipboard/RtfReader.h"
+#include "clipboard/text/RtfReader.h"
 
 #include <gtest/gtest.h>
 

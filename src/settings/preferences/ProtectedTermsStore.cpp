@@ -1,6 +1,6 @@
-#include "ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
-#include "TextModel.h"
+#include "transform/TextModel.h"
 
 #include <algorithm>
 #include <optional>

@@ -10,9 +10,9 @@
 // - Table cells are separated by TAB, each row on a line of its own.
 // - Entities and character references are decoded; line breaks at the end are dropped.
 // Documents of any depth and length are read whole, and in time linear in their size.
-#include "clipboard/HtmlText.h"
+#include "clipboard/text/HtmlText.h"
 
-#include "clipboard/HtmlParserInput.h"
+#include "clipboard/text/HtmlParserInput.h"
 #include "common/Utf8.h"
 
 #include <libxml/HTMLparser.h>
