@@ -1,6 +1,5 @@
 #include "capture/ScreenTextCaptureCoordinator.h"
 
-#include "app/menu/FloatingPaletteController.h"
 #include "capture/CaptureStatusHUD.h"
 #include "capture/ScreenRecordingPermission.h"
 #include "capture/text/LineAssembly.h"
@@ -109,11 +108,15 @@ ScreenTextCaptureCoordinator &ScreenTextCaptureCoordinator::shared() {
             .captureHistory = &CaptureHistory::shared(),
             .monitor = &ClipboardMonitor::shared(),
             .ensurePermission = ensureScreenRecordingPermission,
-            .closePalette = [] { FloatingPaletteController::shared().close(); },
+            .closePalette = {}, // handed in by the application: setPaletteCloser
             .showHUD = showHUD,
         });
     }();
     return *coordinator;
+}
+
+void ScreenTextCaptureCoordinator::setPaletteCloser(std::function<void()> closePalette) {
+    services_.closePalette = std::move(closePalette);
 }
 
 void ScreenTextCaptureCoordinator::startCapture() {

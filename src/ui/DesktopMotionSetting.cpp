@@ -1,4 +1,4 @@
-#include "platform/linux/DesktopMotionSetting.h"
+#include "ui/DesktopMotionSetting.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "app/menu/AppIcons.h"
+#include "ui/AppIcons.h"
 
 #include <QFont>
 #include <QPainter>
