@@ -4,7 +4,8 @@
 The floors, from the bottom: a folder may include its own headers and those of the folders listed
 before it. Two folders are edges that only the application's composition (app) includes: the
 Linux implementations of the platform interfaces, and the command line. The floors up to cli are
-free of Qt, and include no Qt header either.
+free of Qt, and include no Qt header either; only the Linux implementations include the headers of
+X11, xcb and Tesseract.
 
 Usage: check-includes.py [SOURCE_ROOT]   (the repository's src/ by default)
 Prints one line per offending include, as FILE:LINE: message, and exits 1 if there is any.
@@ -41,6 +42,8 @@ RANK = {folder: rank for rank, folder in enumerate(FLOORS)}
 QT_FREE = set(FLOORS[: RANK[LAST_QT_FREE] + 1])
 QUOTED_INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
 QT_INCLUDE = re.compile(r"^\s*#\s*include\s+<(Q[A-Za-z]*|Qt[A-Za-z]*/[^>]*)>")
+WINDOW_SYSTEM_INCLUDE = re.compile(r"^\s*#\s*include\s+<(X11|xcb|tesseract|leptonica)/")
+WINDOW_SYSTEM_FOLDER = "platform/linux"
 
 
 def folder_of(relative_path):
@@ -61,6 +64,9 @@ def check_file(path, root):
     for number, line in enumerate(path.read_text(encoding="utf-8", errors="replace").splitlines(), 1):
         if own in QT_FREE and QT_INCLUDE.match(line):
             problems.append(f"{path}:{number}: {own} is free of Qt but includes {line.strip()}")
+            continue
+        if own != WINDOW_SYSTEM_FOLDER and WINDOW_SYSTEM_INCLUDE.match(line):
+            problems.append(f"{path}:{number}: only {WINDOW_SYSTEM_FOLDER} includes {line.strip()}")
             continue
         match = QUOTED_INCLUDE.match(line)
         if not match or "/" not in match.group(1):
