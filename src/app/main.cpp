@@ -10,8 +10,8 @@
 #include "cli/Failure.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/QtKeyTranslation.h"
-#include "ui/ShortcutRecorder.h"
 #include "ui/AppIcons.h"
+#include "ui/ShortcutRecorder.h"
 
 #include <QApplication>
 #include <QDir>

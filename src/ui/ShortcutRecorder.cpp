@@ -25,7 +25,8 @@ KeyEventTranslator installedKeyEventTranslator = nullptr;
 
 TranslatedKey translateKeyEvent(const QKeyEvent &event) {
     if (!installedKeyEventTranslator) {
-        std::fprintf(stderr, "glyphmill: no key event translation was installed before the first recording\n");
+        std::fprintf(stderr,
+                     "glyphmill: no key event translation was installed before the first recording\n");
         std::abort();
     }
     return installedKeyEventTranslator(event);

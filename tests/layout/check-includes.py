@@ -5,7 +5,7 @@ The floors, from the bottom: a folder may include its own headers and those of t
 before it. Two folders are edges that only the application's composition (app) includes: the
 Linux implementations of the platform interfaces, and the command line. The floors up to cli are
 free of Qt, and include no Qt header either; only the Linux implementations include the headers of
-X11, xcb and Tesseract.
+X11, xcb and Tesseract. The platform interfaces include nothing of ours but common.
 
 Usage: check-includes.py [SOURCE_ROOT]   (the repository's src/ by default)
 Prints one line per offending include, as FILE:LINE: message, and exits 1 if there is any.
@@ -37,6 +37,8 @@ LAST_QT_FREE = "cli"
 # Included by the composition only, whatever their floor.
 EDGES = {"platform/linux", "cli"}
 COMPOSITION = "app"
+# Floors narrower than the order: the platform interfaces speak only the shared vocabulary.
+ONLY_FROM = {"platform": {"common"}}
 
 RANK = {folder: rank for rank, folder in enumerate(FLOORS)}
 QT_FREE = set(FLOORS[: RANK[LAST_QT_FREE] + 1])
@@ -79,6 +81,8 @@ def check_file(path, root):
             continue
         elif RANK[target] > RANK[own]:
             problems.append(f'{path}:{number}: {own} includes "{included}" from {target}, a floor above it')
+        elif own in ONLY_FROM and target not in ONLY_FROM[own]:
+            problems.append(f'{path}:{number}: {own} includes "{included}"; it includes only {", ".join(sorted(ONLY_FROM[own]))}')
         elif target in EDGES and own != COMPOSITION:
             problems.append(f'{path}:{number}: {own} includes "{included}"; only {COMPOSITION} includes {target}')
     return problems
