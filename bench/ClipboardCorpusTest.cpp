@@ -3,10 +3,10 @@
 // and markup whose hidden parts stay hidden while its text comes through.
 #include "ClipboardCorpus.h"
 
-#include "clipboard/HtmlText.h"
-#include "clipboard/LineTools.h"
-#include "clipboard/RtfReader.h"
-#include "transform/Utf8.h"
+#include "clipboard/text/HtmlText.h"
+#include "clipboard/text/LineTools.h"
+#include "clipboard/text/RtfReader.h"
+#include "common/Utf8.h"
 
 #include <gtest/gtest.h>
 

@@ -8,11 +8,11 @@
 #include "ClipboardCorpus.h"
 #include "Corpus.h"
 
-#include "clipboard/HtmlText.h"
-#include "clipboard/LineTools.h"
-#include "clipboard/RtfReader.h"
-#include "clipboard/TextStatistics.h"
-#include "transform/Utf8.h"
+#include "clipboard/text/HtmlText.h"
+#include "clipboard/text/LineTools.h"
+#include "clipboard/text/RtfReader.h"
+#include "clipboard/text/TextStatistics.h"
+#include "common/Utf8.h"
 
 #include <benchmark/benchmark.h>
 

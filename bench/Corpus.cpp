@@ -3,8 +3,8 @@
 #include "CorpusVocabulary.h"
 #include "SeededRandom.h"
 
-#include "transform/ProtectedTermsStore.h"
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 #include <unicode/ucasemap.h>
 

@@ -4,8 +4,8 @@
 #include "Corpus.h"
 #include "CorpusVocabulary.h"
 
-#include "transform/ProtectedTermsStore.h"
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 #include <gtest/gtest.h>
 #include <unicode/locid.h>

@@ -8,7 +8,7 @@
 #include "CorpusVocabulary.h"
 #include "SeededRandom.h"
 
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <cstdint>
 #include <string_view>

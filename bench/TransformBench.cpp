@@ -6,9 +6,9 @@
 // entries cannot skew their ratio.
 #include "Corpus.h"
 
-#include "transform/ProtectedTermsStore.h"
+#include "common/Utf8.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "transform/TextTransformer.h"
-#include "transform/Utf8.h"
 
 #include <benchmark/benchmark.h>
 

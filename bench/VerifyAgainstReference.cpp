@@ -3,10 +3,10 @@
 // first difference of each failing case when they disagree.
 #include "Corpus.h"
 
+#include "common/Utf8.h"
 #include "reference/ReferenceTransformer.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "transform/TextTransformer.h"
-#include "transform/Utf8.h"
 
 #include <algorithm>
 #include <charconv>

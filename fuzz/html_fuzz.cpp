@@ -6,8 +6,8 @@
 // Deep documents from short inputs: after a first byte 1 the rest is read inside 1,000 open
 // elements; after a first byte 2 and a count n the rest is repeated 16·(n+1) times, so that its
 // unclosed tags nest as deep as that. (libxml2 used to give up below 256 levels.)
-#include "clipboard/HtmlParserInput.h"
-#include "clipboard/HtmlText.h"
+#include "clipboard/text/HtmlParserInput.h"
+#include "clipboard/text/HtmlText.h"
 #include "transform/TextModel.h"
 
 #include <libxml/HTMLparser.h>

@@ -1,6 +1,6 @@
 // Arbitrary bytes as clipboard RTF: the reader must never crash, hang or grow its output beyond
 // two UTF-16 units per input byte, and must answer exactly when the bytes open an RTF group.
-#include "clipboard/RtfReader.h"
+#include "clipboard/text/RtfReader.h"
 
 #include <cstdint>
 #include <cstdlib>

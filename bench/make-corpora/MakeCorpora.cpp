@@ -3,7 +3,7 @@
 #include "ClipboardCorpus.h"
 #include "Corpus.h"
 
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <cstdio>
 #include <filesystem>

@@ -6,11 +6,11 @@
 #include "clipboard/ClipboardManager.h"
 #include "clipboard/ClipboardMonitor.h"
 #include "clipboard/LineToolCommands.h"
+#include "common/Utf8.h"
 #include "platform/Dialogs.h"
 #include "platform/PlatformServices.h"
 #include "platform/PreferenceStore.h"
 #include "settings/AppSettings.h"
-#include "transform/Utf8.h"
 
 #include <QCoreApplication>
 #include <QTimer>

@@ -6,7 +6,7 @@
 #include "app/ApplicationCommands.h"
 #include "app/DBusAdaptors.h"
 #include "app/SelectionServicesProvider.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 #include <QDBusConnection>
 #include <QObject>

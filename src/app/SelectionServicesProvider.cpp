@@ -1,8 +1,8 @@
 #include "app/SelectionServicesProvider.h"
 
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/TextClasses.h"
 #include "settings/AppSettings.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 namespace glyphmill {
 

@@ -3,11 +3,11 @@
 #include "app/DBusNames.h"
 #include "app/SingleInstance.h"
 #include "cli/Failure.h"
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/TextClasses.h"
+#include "common/Utf8.h"
 #include "platform/JsonFilePreferenceStore.h"
-#include "settings/SettingsPreferences.h"
-#include "transform/ProtectedTermsStore.h"
-#include "transform/Utf8.h"
+#include "settings/preferences/ProtectedTermsStore.h"
+#include "settings/preferences/SettingsPreferences.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

@@ -6,6 +6,7 @@
 #include "app/menu/MenuBarController.h"
 #include "capture/ScreenRecordingPermission.h"
 #include "capture/ScreenTextCaptureCoordinator.h"
+#include "clipboard/ClipboardManager.h"
 #include "settings/AppSettings.h"
 #include "settings/HotKeyManager.h"
 #include "ui/SettingsWindow.h"
@@ -19,7 +20,9 @@ namespace {
 ProtectedTermsStore *applicationTermsStore = nullptr;
 
 void startCapture() {
-    ScreenTextCaptureCoordinator::shared().startCapture();
+    auto &capture = ScreenTextCaptureCoordinator::shared();
+    capture.setPaletteCloser([] { FloatingPaletteController::shared().close(); });
+    capture.startCapture();
 }
 } // namespace
 
@@ -67,6 +70,12 @@ void connectHotKeyCallbacks() {
     auto &hotKeys = HotKeyManager::shared();
     hotKeys.onOpenPalette = [] { FloatingPaletteController::shared().show(); };
     hotKeys.onCaptureScreen = startCapture;
+    // The terms are read from the preference store at each press (no terms store is passed),
+    // and an empty clipboard is passed over without a message.
+    hotKeys.titleCaseAction = [] {
+        ClipboardManager::shared().transformClipboard(TextTransformKind::titleCase, nullptr, false);
+    };
+    hotKeys.pastePlainTextAction = [] { ClipboardManager::shared().pasteAsPlainText(false); };
 }
 
 void registerHotKeys() {

@@ -18,7 +18,8 @@ void giveTermsStoreToPalette(ProtectedTermsStore &termsStore);
 void installWindowActions();
 // The welcome guide, unless the user has been through it.
 void showWelcomeGuideIfNeeded(ProtectedTermsStore &termsStore);
-// The hot-key callbacks (open the palette, start a capture) and the registration of the keys.
+// The hot-key callbacks (open the palette, start a capture, the clipboard actions) and the
+// registration of the keys.
 void connectHotKeyCallbacks();
 void registerHotKeys();
 void unregisterHotKeys();

@@ -7,10 +7,12 @@
 #include "app/ServiceFilter.h"
 #include "app/SingleInstance.h"
 #include "app/TerminationSignals.h"
-#include "app/menu/AppIcons.h"
 #include "cli/AppCommandLine.h"
 #include "cli/Failure.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/QtKeyTranslation.h"
+#include "ui/AppIcons.h"
+#include "ui/ShortcutRecorder.h"
 
 #include <QApplication>
 #include <QDir>
@@ -151,6 +153,7 @@ int handOverOn(QDBusConnection &bus, const appCommands::Request &request) {
 
 int runApplication(const appCommands::Request &request) {
     installLinuxPlatformServices();
+    installKeyEventTranslator(translateKeyEvent);
     QApplication::setQuitOnLastWindowClosed(false);
     if (isWaylandSession() && QGuiApplication::platformName() != QLatin1String("offscreen"))
         note(QStringLiteral("global hot keys need an X11 session; bind desktop shortcuts "

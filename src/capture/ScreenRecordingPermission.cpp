@@ -5,7 +5,7 @@
 #include "platform/PreferenceStore.h"
 #include "platform/ScreenCaptureAccess.h"
 #include "platform/UrlOpener.h"
-#include "settings/SettingsPreferences.h"
+#include "settings/preferences/SettingsPreferences.h"
 
 #include <QCoreApplication>
 #include <QDialog>

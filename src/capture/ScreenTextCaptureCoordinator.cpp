@@ -1,6 +1,5 @@
 #include "capture/ScreenTextCaptureCoordinator.h"
 
-#include "app/menu/FloatingPaletteController.h"
 #include "capture/CaptureStatusHUD.h"
 #include "capture/ScreenRecordingPermission.h"
 #include "capture/text/LineAssembly.h"
@@ -11,8 +10,8 @@
 #include "platform/PlatformServices.h"
 #include "platform/SystemLog.h"
 #include "settings/AppSettings.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "transform/CaseRules.h"
-#include "transform/ProtectedTermsStore.h"
 #include "transform/TextTransformer.h"
 
 #include <QCoreApplication>
@@ -109,11 +108,15 @@ ScreenTextCaptureCoordinator &ScreenTextCaptureCoordinator::shared() {
             .captureHistory = &CaptureHistory::shared(),
             .monitor = &ClipboardMonitor::shared(),
             .ensurePermission = ensureScreenRecordingPermission,
-            .closePalette = [] { FloatingPaletteController::shared().close(); },
+            .closePalette = {}, // handed in by the application: setPaletteCloser
             .showHUD = showHUD,
         });
     }();
     return *coordinator;
+}
+
+void ScreenTextCaptureCoordinator::setPaletteCloser(std::function<void()> closePalette) {
+    services_.closePalette = std::move(closePalette);
 }
 
 void ScreenTextCaptureCoordinator::startCapture() {

@@ -73,8 +73,10 @@ public:
     // Waits for a recognition still under way, which uses the recognizer.
     ~ScreenTextCaptureCoordinator() override;
 
-    // Made on first use over the installed services; never destroyed.
+    // Made on first use over the installed services; never destroyed. The floating palette is the
+    // application's: it hands in the palette's closing with setPaletteCloser.
     static ScreenTextCaptureCoordinator &shared();
+    void setPaletteCloser(std::function<void()> closePalette);
 
     // True from the moment the overlay opens until the capture has ended in any way.
     bool isActive() const { return isActive_; }

@@ -5,7 +5,7 @@
 #include "cli/Failure.h"
 #include "cli/LinesArguments.h"
 #include "cli/ProtectionSwitches.h"
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <array>
 #include <string_view>

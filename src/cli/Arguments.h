@@ -1,7 +1,7 @@
 // What the user asked for on the command line, checked but not yet acted on.
 #pragma once
 
-#include "clipboard/LineTools.h"
+#include "clipboard/text/LineTools.h"
 #include "transform/TextTransformer.h"
 
 #include <optional>

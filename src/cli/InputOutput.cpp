@@ -1,7 +1,7 @@
 #include "cli/InputOutput.h"
 
 #include "cli/Failure.h"
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <algorithm>
 #include <cerrno>

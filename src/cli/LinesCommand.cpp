@@ -1,11 +1,11 @@
 #include "cli/Commands.h"
 
 #include "cli/InputOutput.h"
-#include "clipboard/HtmlText.h"
-#include "clipboard/RtfReader.h"
-#include "clipboard/TextClasses.h"
-#include "clipboard/TextStatistics.h"
-#include "transform/Utf8.h"
+#include "clipboard/text/HtmlText.h"
+#include "clipboard/text/RtfReader.h"
+#include "clipboard/text/TextClasses.h"
+#include "clipboard/text/TextStatistics.h"
+#include "common/Utf8.h"
 
 namespace glyphmill::cli {
 namespace {

@@ -2,8 +2,8 @@
 
 #include "cli/InputOutput.h"
 #include "cli/UserPreferences.h"
-#include "transform/ProtectedTermsStore.h"
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 namespace glyphmill::cli {
 

@@ -3,7 +3,7 @@
 #include "cli/InputOutput.h"
 #include "cli/ProtectionSwitches.h"
 #include "cli/UserPreferences.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 namespace glyphmill::cli {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "cli/Failure.h"
 #include "cli/InputOutput.h"
-#include "settings/SettingsPreferences.h"
+#include "settings/preferences/SettingsPreferences.h"
 
 namespace glyphmill::cli {
 

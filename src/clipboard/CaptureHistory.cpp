@@ -1,9 +1,9 @@
 #include "clipboard/CaptureHistory.h"
 
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/TextClasses.h"
+#include "common/Utf8.h"
 #include "platform/PlatformServices.h"
 #include "transform/TextModel.h"
-#include "transform/Utf8.h"
 
 #include <QLatin1StringView>
 

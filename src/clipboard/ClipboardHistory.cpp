@@ -1,7 +1,7 @@
 #include "clipboard/ClipboardHistory.h"
 
 #include "clipboard/ClipboardMonitor.h"
-#include "clipboard/PasteboardText.h"
+#include "clipboard/text/PasteboardText.h"
 #include "platform/PlatformServices.h"
 
 namespace glyphmill {

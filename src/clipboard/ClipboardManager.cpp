@@ -2,11 +2,11 @@
 
 #include "clipboard/ClipboardHistory.h"
 #include "clipboard/ClipboardMonitor.h"
-#include "clipboard/PasteboardText.h"
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/PasteboardText.h"
+#include "clipboard/text/TextClasses.h"
 #include "platform/PlatformServices.h"
 #include "settings/AppSettings.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 namespace glyphmill {
 namespace {

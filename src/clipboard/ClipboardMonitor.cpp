@@ -1,7 +1,7 @@
 #include "clipboard/ClipboardMonitor.h"
 
-#include "clipboard/PasteboardText.h"
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/PasteboardText.h"
+#include "clipboard/text/TextClasses.h"
 #include "platform/PlatformServices.h"
 #include "settings/AppSettings.h"
 

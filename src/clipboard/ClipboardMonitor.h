@@ -2,7 +2,7 @@
 // the automatic clearing of formatting. Observable properties notify on every assignment.
 #pragma once
 
-#include "clipboard/TextStatistics.h"
+#include "clipboard/text/TextStatistics.h"
 #include "platform/Pasteboard.h"
 
 #include <QObject>

@@ -2,8 +2,8 @@
 
 #include "clipboard/ClipboardManager.h"
 #include "clipboard/ClipboardMonitor.h"
-#include "clipboard/LineTools.h"
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/LineTools.h"
+#include "clipboard/text/TextClasses.h"
 #include "platform/PlatformServices.h"
 
 #include <optional>

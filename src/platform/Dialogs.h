@@ -2,7 +2,7 @@
 // three prompts. Every call blocks until the user answers.
 #pragma once
 
-#include "clipboard/FindReplaceRequest.h"
+#include "common/FindReplaceRequest.h"
 
 #include <cstddef>
 #include <optional>

@@ -3,7 +3,7 @@
 // implementation translates them to its own keys.
 #pragma once
 
-#include "settings/KeyboardShortcut.h"
+#include "common/KeyboardShortcut.h"
 
 #include <functional>
 #include <utility>

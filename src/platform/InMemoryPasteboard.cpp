@@ -1,6 +1,6 @@
 #include "platform/InMemoryPasteboard.h"
 
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "JsonFilePreferenceStore.h"
 
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,7 @@
 #include "settings/AppSettings.h"
 
 #include "platform/PlatformServices.h"
-#include "settings/SettingsPreferences.h"
+#include "settings/preferences/SettingsPreferences.h"
 
 #include <QMetaObject>
 

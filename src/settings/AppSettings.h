@@ -5,9 +5,9 @@
 // as if they had been set here, without writing anything back.
 #pragma once
 
+#include "common/KeyboardShortcut.h"
 #include "platform/LoginItem.h"
 #include "platform/PreferenceStore.h"
-#include "settings/KeyboardShortcut.h"
 #include "transform/TextTransformer.h"
 
 #include <QObject>

@@ -1,5 +1,6 @@
 #include "settings/HotKeyManager.h"
 
+#include "platform/PlatformServices.h"
 #include "settings/AppSettings.h"
 
 #include <QMetaObject>
@@ -143,6 +144,16 @@ bool HotKeyManager::handleHotKey(std::uint32_t id) {
     default:
         return false;
     }
+}
+
+HotKeyManager &HotKeyManager::shared() {
+    static HotKeyManager *instance = [] {
+        auto &settings = AppSettings::shared();
+        auto *manager = new HotKeyManager(installedHotKeyGrabber(), settings);
+        settings.setHotKeyReregistration([manager] { manager->registerHotKeys(); });
+        return manager;
+    }();
+    return *instance;
 }
 
 } // namespace glyphmill

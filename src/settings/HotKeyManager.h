@@ -3,8 +3,8 @@
 // a press into its action. Every action runs later on the main thread, never inside the press.
 #pragma once
 
+#include "common/KeyboardShortcut.h"
 #include "platform/HotKeyGrabber.h"
-#include "settings/KeyboardShortcut.h"
 
 #include <QObject>
 
@@ -30,10 +30,8 @@ public:
     HotKeyManager(HotKeyGrabber &grabber, AppSettings &settings, QObject *parent = nullptr);
     ~HotKeyManager() override;
 
-    // Made on first use over the installed grabber and the shared settings, with the clipboard
-    // actions installed (Title Case of the clipboard; Paste as Plain Text) and the settings' chord
-    // changes wired to registerHotKeys. Never destroyed. Defined in the glyphmill_hotkeys library,
-    // which links the clipboard controllers.
+    // Made on first use over the installed grabber and the shared settings, with the settings'
+    // chord changes wired to registerHotKeys. Never destroyed.
     static HotKeyManager &shared();
 
     // Removes the current registrations, then registers the four chords in the order Title Case,
@@ -50,8 +48,9 @@ public:
     // Set once by the application; an unset one makes its hot key do nothing.
     std::function<void()> onOpenPalette;
     std::function<void()> onCaptureScreen;
-    // Run on the clipboard; shared() installs them. The paste action runs only once the chord's
-    // keys are up, so the paste keystroke it sends is not mixed with the user's modifiers.
+    // Run on the clipboard; set by the application, which knows the clipboard controllers. The
+    // paste action runs only once the chord's keys are up, so the paste keystroke it sends is not
+    // mixed with the user's modifiers.
     std::function<void()> titleCaseAction;
     std::function<void()> pastePlainTextAction;
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "settings/AppSettings.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "transform/TextTransformer.h"
 
 #include <QString>

@@ -2,7 +2,7 @@
 
 #include "platform/Dialogs.h"
 #include "platform/PlatformServices.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "ui/TermOrdering.h"
 #include "ui/WelcomeGuideStyle.h"
 

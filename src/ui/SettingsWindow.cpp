@@ -1,8 +1,8 @@
 #include "ui/SettingsWindow.h"
 
-#include "app/menu/AppIcons.h"
 #include "settings/AppSettings.h"
 #include "settings/HotKeyManager.h"
+#include "ui/AppIcons.h"
 #include "ui/BuildInfo.h"
 #include "ui/ProtectedTermsEditor.h"
 #include "ui/ShortcutRecorder.h"

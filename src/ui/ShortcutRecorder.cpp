@@ -1,6 +1,5 @@
 #include "ui/ShortcutRecorder.h"
 
-#include "platform/linux/QtKeyTranslation.h"
 #include "settings/AppSettings.h"
 #include "settings/HotKeyManager.h"
 
@@ -14,11 +13,24 @@
 #include <QPushButton>
 
 #include <array>
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 namespace glyphmill {
 
 namespace {
+
+KeyEventTranslator installedKeyEventTranslator = nullptr;
+
+TranslatedKey translateKeyEvent(const QKeyEvent &event) {
+    if (!installedKeyEventTranslator) {
+        std::fprintf(stderr,
+                     "glyphmill: no key event translation was installed before the first recording\n");
+        std::abort();
+    }
+    return installedKeyEventTranslator(event);
+}
 
 constexpr std::uint32_t escapeKeyCode = 53;
 constexpr std::uint32_t deleteKeyCode = 51;
@@ -148,6 +160,10 @@ bool ShortcutRecordingMonitor::handleKeyPress(const TranslatedKey &key) {
     }
     endRecording();
     return true;
+}
+
+void installKeyEventTranslator(KeyEventTranslator translator) {
+    installedKeyEventTranslator = translator;
 }
 
 bool ShortcutRecordingMonitor::eventFilter(QObject *watched, QEvent *event) {

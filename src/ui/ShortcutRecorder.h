@@ -2,7 +2,8 @@
 // the monitor that, while a row records, takes every key press of the application for itself.
 #pragma once
 
-#include "settings/KeyboardShortcut.h"
+#include "common/KeyboardShortcut.h"
+#include "common/TranslatedKey.h"
 
 #include <QObject>
 #include <QString>
@@ -11,6 +12,7 @@
 #include <functional>
 #include <optional>
 
+class QKeyEvent;
 class QLabel;
 class QPushButton;
 
@@ -18,7 +20,11 @@ namespace glyphmill {
 
 class AppSettings;
 class HotKeyManager;
-struct TranslatedKey;
+
+// How a key press reads as a chord depends on the window system's keys: the application installs
+// its translation before the first recording.
+using KeyEventTranslator = TranslatedKey (*)(const QKeyEvent &event);
+void installKeyEventTranslator(KeyEventTranslator translator);
 
 // The row now recording, shared by all rows. While one records, the global hot keys are released
 // (so their chords reach the application and can be recorded) and every key press is swallowed.

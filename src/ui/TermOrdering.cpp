@@ -1,6 +1,6 @@
 #include "ui/TermOrdering.h"
 
-#include "clipboard/LocaleCollator.h"
+#include "clipboard/text/LocaleCollator.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,10 +1,10 @@
 #include "ui/WelcomeGuide.h"
 
-#include "app/menu/AppIcons.h"
 #include "platform/PlatformServices.h"
-#include "platform/linux/DesktopMotionSetting.h"
 #include "settings/AppSettings.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
+#include "ui/AppIcons.h"
+#include "ui/DesktopMotionSetting.h"
 #include "ui/OnboardingView.h"
 #include "ui/WelcomeGuideStyle.h"
 #include "ui/WindowActions.h"

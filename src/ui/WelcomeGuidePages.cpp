@@ -1,7 +1,7 @@
 #include "ui/WelcomeGuidePages.h"
 
-#include "app/menu/AppIcons.h"
-#include "settings/KeyboardShortcut.h"
+#include "common/KeyboardShortcut.h"
+#include "ui/AppIcons.h"
 #include "ui/FloatingPaletteIllustration.h"
 #include "ui/OnboardingContext.h"
 #include "ui/WelcomeGuideStyle.h"

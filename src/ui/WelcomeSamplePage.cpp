@@ -1,6 +1,6 @@
 #include "ui/WelcomeSamplePage.h"
 
-#include "clipboard/PasteboardText.h"
+#include "clipboard/text/PasteboardText.h"
 #include "ui/OnboardingContext.h"
 #include "ui/WelcomeGuidePages.h"
 #include "ui/WelcomeGuideStyle.h"

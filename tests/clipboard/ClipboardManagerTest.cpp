@@ -1,6 +1,6 @@
 #include "ClipboardControllersFixture.h"
 
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 namespace glyphmill {
 namespace {

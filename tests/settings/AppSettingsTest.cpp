@@ -1,7 +1,7 @@
 #include "settings/AppSettings.h"
 #include "platform/InMemoryLoginItem.h"
 #include "platform/InMemoryPreferenceStore.h"
-#include "settings/SettingsPreferences.h"
+#include "settings/preferences/SettingsPreferences.h"
 
 #include <QCoreApplication>
 #include <QSignalSpy>

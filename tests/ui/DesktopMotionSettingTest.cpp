@@ -1,5 +1,5 @@
 // Reading the desktops' animation switches.
-#include "platform/linux/DesktopMotionSetting.h"
+#include "ui/DesktopMotionSetting.h"
 
 #include <gtest/gtest.h>
 

@@ -7,8 +7,8 @@
 #include "platform/PlatformServices.h"
 #include "platform/RecordingKeystrokeSender.h"
 #include "platform/ScriptedDialogs.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "support/SpinUntil.h"
-#include "transform/ProtectedTermsStore.h"
 #include "ui/TermOrdering.h"
 
 #include <QApplication>

@@ -9,8 +9,8 @@
 #include "platform/ScriptedDialogs.h"
 #include "settings/AppSettings.h"
 #include "settings/HotKeyManager.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "support/PlatformWording.h"
-#include "transform/ProtectedTermsStore.h"
 #include "ui/ProtectedTermsEditor.h"
 #include "ui/ShortcutRecorder.h"
 

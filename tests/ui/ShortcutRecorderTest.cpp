@@ -2,6 +2,7 @@
 #include "platform/InMemoryHotKeyGrabber.h"
 #include "platform/InMemoryLoginItem.h"
 #include "platform/InMemoryPreferenceStore.h"
+#include "platform/linux/QtKeyTranslation.h"
 #include "settings/AppSettings.h"
 #include "settings/HotKeyManager.h"
 
@@ -25,6 +26,7 @@ constexpr auto commandShift = Qt::MetaModifier | Qt::ShiftModifier;
 
 struct ShortcutRecorderTest : ::testing::Test {
     ShortcutRecorderTest() {
+        installKeyEventTranslator(translateKeyEvent);
         settings.setHotKeyReregistration([this] { hotKeys.registerHotKeys(); });
         hotKeys.registerHotKeys();
         monitor->setBeep([this] { ++beeps; });

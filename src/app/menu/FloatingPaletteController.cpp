@@ -4,7 +4,7 @@
 #include "app/menu/PalettePlacement.h"
 #include "clipboard/ClipboardManager.h"
 #include "clipboard/ClipboardMonitor.h"
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/TextClasses.h"
 
 #include <QCoreApplication>
 #include <QCursor>

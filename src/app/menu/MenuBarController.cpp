@@ -1,6 +1,5 @@
 #include "app/menu/MenuBarController.h"
 
-#include "app/menu/AppIcons.h"
 #include "app/menu/FloatingPaletteController.h"
 #include "clipboard/CaptureHistory.h"
 #include "clipboard/ClipboardHistory.h"
@@ -8,6 +7,7 @@
 #include "clipboard/ClipboardMonitor.h"
 #include "clipboard/LineToolCommands.h"
 #include "settings/AppSettings.h"
+#include "ui/AppIcons.h"
 
 #include <QCoreApplication>
 #include <QCursor>

@@ -4,7 +4,7 @@
 // a queued task once the menu has closed.
 #pragma once
 
-#include "settings/KeyboardShortcut.h"
+#include "common/KeyboardShortcut.h"
 #include "transform/TextTransformer.h"
 
 #include <QMenu>

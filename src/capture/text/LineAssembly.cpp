@@ -1,6 +1,6 @@
 #include "capture/text/LineAssembly.h"
 
-#include "clipboard/TextClasses.h"
+#include "clipboard/text/TextClasses.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "platform/linux/QtKeyTranslation.h"
 
+#include "common/KeyboardShortcut.h"
 #include "platform/linux/X11KeyTable.h"
-#include "settings/KeyboardShortcut.h"
 
 #include <QKeyEvent>
 #include <X11/keysym.h>

@@ -3,6 +3,8 @@
 // same form on every platform.
 #pragma once
 
+#include "common/TranslatedKey.h"
+
 #include <Qt>
 
 #include <cstdint>
@@ -11,15 +13,6 @@
 class QKeyEvent;
 
 namespace glyphmill {
-
-struct TranslatedKey {
-    // None for a key that has no macOS counterpart.
-    std::optional<std::uint32_t> macKeyCode;
-    std::uint64_t modifierFlags = 0;
-    bool isAutoRepeat = false;
-    // Shift, Control, Alt, Super and the like pressed alone: never a chord by themselves.
-    bool isModifierOnly = false;
-};
 
 TranslatedKey translateKeyEvent(const QKeyEvent &event);
 

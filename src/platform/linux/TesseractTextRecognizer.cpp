@@ -2,7 +2,7 @@
 
 #include "platform/linux/TesseractImage.h"
 
-#include "transform/Utf8.h"
+#include "common/Utf8.h"
 
 #include <tesseract/baseapi.h>
 #include <tesseract/resultiterator.h>

@@ -6,7 +6,7 @@
 #include "app/menu/MenuBarController.h"
 #include "clipboard/CaptureHistory.h"
 #include "clipboard/ClipboardControllersFixture.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 
 #include <QAction>
 #include <QCoreApplication>

@@ -3,8 +3,8 @@
 #include "MenuFixture.h"
 #include "support/ScreenshotSupport.h"
 
-#include "app/menu/AppIcons.h"
 #include "app/menu/FloatingPalettePanel.h"
+#include "ui/AppIcons.h"
 
 #include <QApplication>
 #include <QDir>

@@ -14,7 +14,7 @@ set -uo pipefail
 
 glyphmill=$1
 text_board=$2
-source "$(dirname "$0")/../../app/shell/session-support.sh"
+source "$(dirname "$0")/../../app/session-support.sh"
 
 for tool in xrandr python3 xev stdbuf; do
   command -v "$tool" >/dev/null || { echo "$tool is not installed (scripts/install-deps installs it); skipped" >&2; exit 77; }

@@ -1,6 +1,6 @@
 // Glyphmill and other programs on a real X server: what we read of what they copied, what they
 // paste after we rewrote the clipboard, and the paste keystroke reaching the focused window.
-#include "clipboard/PasteboardText.h"
+#include "clipboard/text/PasteboardText.h"
 #include "platform/linux/QtPasteboard.h"
 #include "platform/linux/XTestKeystrokeSender.h"
 #include "support/SpinUntil.h"

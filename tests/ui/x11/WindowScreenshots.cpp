@@ -9,7 +9,7 @@
 #include "platform/RecordingKeystrokeSender.h"
 #include "platform/RecordingUrlOpener.h"
 #include "platform/ScriptedDialogs.h"
-#include "transform/ProtectedTermsStore.h"
+#include "settings/preferences/ProtectedTermsStore.h"
 #include "ui/ProtectedTermsEditor.h"
 #include "ui/SettingsWindow.h"
 #include "ui/WelcomeGuide.h"
