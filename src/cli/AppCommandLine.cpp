@@ -24,30 +24,19 @@ constexpr std::array<CommandEntry, 8> commandNames = {{
     {"service", Command::service},
 }};
 
-struct ClipboardActionEntry {
+struct ClipboardEditEntry {
     std::string_view name;
-    ClipboardAction action;
+    ClipboardEdit edit;
 };
 
-constexpr std::array<ClipboardActionEntry, 18> clipboardActions = {{
-    {"smart-case", ClipboardAction::smartCase},
-    {"title-case", ClipboardAction::titleCase},
-    {"uppercase", ClipboardAction::uppercase},
-    {"lowercase", ClipboardAction::lowercase},
-    {"capitalize-words", ClipboardAction::capitalizeWords},
-    {"clear-formatting", ClipboardAction::clearFormatting},
-    {"html-to-text", ClipboardAction::htmlToText},
-    {"sort-lines", ClipboardAction::sortLines},
-    {"remove-duplicates", ClipboardAction::removeDuplicates},
-    {"remove-empty", ClipboardAction::removeEmpty},
-    {"bullet", ClipboardAction::bullet},
-    {"fix-whitespace", ClipboardAction::fixWhitespace},
-    {"number", ClipboardAction::number},
-    {"join", ClipboardAction::join},
-    {"split", ClipboardAction::split},
-    {"matching", ClipboardAction::matching},
-    {"containing", ClipboardAction::containing},
-    {"find-replace", ClipboardAction::findReplace},
+// The clipboard commands besides the line tools, whose names come after these.
+constexpr std::array<ClipboardEditEntry, 6> clipboardEdits = {{
+    {"smart-case", ClipboardEdit::smartCase},
+    {"title-case", ClipboardEdit::titleCase},
+    {"uppercase", ClipboardEdit::uppercase},
+    {"lowercase", ClipboardEdit::lowercase},
+    {"capitalize-words", ClipboardEdit::capitalizeWords},
+    {"clear-formatting", ClipboardEdit::clearFormatting},
 }};
 
 struct KindEntry {
@@ -84,23 +73,29 @@ std::string_view commandName(Command command) {
 }
 
 std::optional<ClipboardAction> clipboardActionNamed(std::string_view name) {
-    for (const auto &entry : clipboardActions)
+    for (const auto &entry : clipboardEdits)
         if (entry.name == name)
-            return entry.action;
+            return ClipboardAction{entry.edit};
+    if (auto tool = lineTools::lineToolWithClipboardName(name))
+        return ClipboardAction{ClipboardEdit::lineTool, *tool};
     return std::nullopt;
 }
 
 std::string_view clipboardActionName(ClipboardAction action) {
-    for (const auto &entry : clipboardActions)
-        if (entry.action == action)
+    if (action.edit == ClipboardEdit::lineTool)
+        return lineTools::lineToolEntry(action.lineTool).clipboardName;
+    for (const auto &entry : clipboardEdits)
+        if (entry.edit == action.edit)
             return entry.name;
     return {};
 }
 
 std::vector<std::string_view> clipboardActionNames() {
     std::vector<std::string_view> names;
-    for (const auto &entry : clipboardActions)
+    for (const auto &entry : clipboardEdits)
         names.push_back(entry.name);
+    for (const auto &entry : lineTools::lineToolCatalogue)
+        names.push_back(entry.clipboardName);
     return names;
 }
 
