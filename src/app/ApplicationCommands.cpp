@@ -33,25 +33,6 @@ RequestOutcome outcomeOf(ClipboardManager::Outcome outcome) {
     return RequestOutcome::notWritten();
 }
 
-std::optional<TextTransformKind> transformKindOf(ClipboardEdit edit) {
-    switch (edit) {
-    case ClipboardEdit::smartCase:
-        return TextTransformKind::smartCase;
-    case ClipboardEdit::titleCase:
-        return TextTransformKind::titleCase;
-    case ClipboardEdit::uppercase:
-        return TextTransformKind::uppercase;
-    case ClipboardEdit::lowercase:
-        return TextTransformKind::lowercase;
-    case ClipboardEdit::capitalizeWords:
-        return TextTransformKind::capitalizeWords;
-    case ClipboardEdit::clearFormatting:
-    case ClipboardEdit::lineTool:
-        break;
-    }
-    return std::nullopt;
-}
-
 } // namespace
 
 ApplicationCommands::ApplicationCommands(ClipboardManager &manager, LineToolCommands &lineTools,
@@ -92,10 +73,14 @@ RequestOutcome ApplicationCommands::run(const appCommands::Request &request) {
 }
 
 RequestOutcome ApplicationCommands::runClipboardAction(ClipboardAction action) {
-    if (auto kind = transformKindOf(action.edit))
-        return outcomeOf(manager_.transformClipboard(*kind, &termsStore_, false));
-    if (action.edit == ClipboardEdit::clearFormatting)
+    switch (action.edit) {
+    case ClipboardEdit::transform:
+        return outcomeOf(manager_.transformClipboard(action.kind, &termsStore_, false));
+    case ClipboardEdit::clearFormatting:
         return outcomeOf(manager_.clearClipboardFormatting());
+    case ClipboardEdit::lineTool:
+        break;
+    }
     return runLineTool(action.lineTool);
 }
 

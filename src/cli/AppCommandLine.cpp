@@ -24,26 +24,12 @@ constexpr std::array<CommandEntry, 8> commandNames = {{
     {"service", Command::service},
 }};
 
-struct ClipboardEditEntry {
-    std::string_view name;
-    ClipboardEdit edit;
-};
-
-// The clipboard commands besides the line tools, whose names come after these.
-constexpr std::array<ClipboardEditEntry, 6> clipboardEdits = {{
-    {"smart-case", ClipboardEdit::smartCase},
-    {"title-case", ClipboardEdit::titleCase},
-    {"uppercase", ClipboardEdit::uppercase},
-    {"lowercase", ClipboardEdit::lowercase},
-    {"capitalize-words", ClipboardEdit::capitalizeWords},
-    {"clear-formatting", ClipboardEdit::clearFormatting},
-}};
-
 struct KindEntry {
     std::string_view name;
     TextTransformKind kind;
 };
 
+// Also the first clipboard commands; clear-formatting and the line tools come after them.
 constexpr std::array<KindEntry, 5> kindNames = {{
     {"smart-case", TextTransformKind::smartCase},
     {"title-case", TextTransformKind::titleCase},
@@ -59,6 +45,8 @@ const CommandEntry *commandEntry(std::string_view name) {
     return nullptr;
 }
 
+constexpr std::string_view clearFormattingName = "clear-formatting";
+
 } // namespace
 
 bool isApplicationCommand(std::string_view name) {
@@ -73,27 +61,36 @@ std::string_view commandName(Command command) {
 }
 
 std::optional<ClipboardAction> clipboardActionNamed(std::string_view name) {
-    for (const auto &entry : clipboardEdits)
+    for (const auto &entry : kindNames)
         if (entry.name == name)
-            return ClipboardAction{entry.edit};
+            return ClipboardAction{.edit = ClipboardEdit::transform, .kind = entry.kind};
+    if (name == clearFormattingName)
+        return ClipboardAction{.edit = ClipboardEdit::clearFormatting};
     if (auto tool = lineTools::lineToolWithClipboardName(name))
-        return ClipboardAction{ClipboardEdit::lineTool, *tool};
+        return ClipboardAction{.edit = ClipboardEdit::lineTool, .lineTool = *tool};
     return std::nullopt;
 }
 
 std::string_view clipboardActionName(ClipboardAction action) {
-    if (action.edit == ClipboardEdit::lineTool)
+    switch (action.edit) {
+    case ClipboardEdit::transform:
+        for (const auto &entry : kindNames)
+            if (entry.kind == action.kind)
+                return entry.name;
+        break;
+    case ClipboardEdit::clearFormatting:
+        return clearFormattingName;
+    case ClipboardEdit::lineTool:
         return lineTools::lineToolEntry(action.lineTool).clipboardName;
-    for (const auto &entry : clipboardEdits)
-        if (entry.edit == action.edit)
-            return entry.name;
+    }
     return {};
 }
 
 std::vector<std::string_view> clipboardActionNames() {
     std::vector<std::string_view> names;
-    for (const auto &entry : clipboardEdits)
+    for (const auto &entry : kindNames)
         names.push_back(entry.name);
+    names.push_back(clearFormattingName);
     for (const auto &entry : lineTools::lineToolCatalogue)
         names.push_back(entry.clipboardName);
     return names;

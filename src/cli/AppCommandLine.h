@@ -29,17 +29,14 @@ enum class Command {
 
 // What `glyphmill clipboard KIND` does to the clipboard: the menu's clipboard commands.
 enum class ClipboardEdit {
-    smartCase,
-    titleCase,
-    uppercase,
-    lowercase,
-    capitalizeWords,
+    transform,
     clearFormatting,
     lineTool,
 };
 
 struct ClipboardAction {
-    ClipboardEdit edit = ClipboardEdit::smartCase;
+    ClipboardEdit edit = ClipboardEdit::transform;
+    TextTransformKind kind = TextTransformKind::smartCase;    // for ClipboardEdit::transform
     lineTools::LineTool lineTool = lineTools::LineTool::sort; // for ClipboardEdit::lineTool
 
     bool operator==(const ClipboardAction &) const = default;

@@ -21,7 +21,8 @@ TEST(AppCommandLine, ReadsEveryCommandAndItsKind) {
     ASSERT_TRUE(clipboard.request);
     EXPECT_EQ(clipboard.request->command, Command::clipboard);
     EXPECT_EQ(clipboard.request->clipboardAction,
-              (ClipboardAction{ClipboardEdit::lineTool, lineTools::LineTool::removeDuplicates}));
+              (ClipboardAction{.edit = ClipboardEdit::lineTool,
+                               .lineTool = lineTools::LineTool::removeDuplicates}));
 
     // A kind may be named as in `glyphmill transform`, by name or by title.
     EXPECT_EQ(parseWords({"service", "title-case"}).request->serviceKind, TextTransformKind::titleCase);
