@@ -8,7 +8,9 @@ namespace glyphmill {
 namespace {
 
 using appCommands::ClipboardAction;
+using appCommands::ClipboardEdit;
 using appCommands::Command;
+using lineTools::LineTool;
 
 constexpr std::string_view noTextMessage = "the clipboard holds no text";
 
@@ -29,23 +31,6 @@ RequestOutcome outcomeOf(ClipboardManager::Outcome outcome) {
         break;
     }
     return RequestOutcome::notWritten();
-}
-
-std::optional<TextTransformKind> transformKindOf(ClipboardAction action) {
-    switch (action) {
-    case ClipboardAction::smartCase:
-        return TextTransformKind::smartCase;
-    case ClipboardAction::titleCase:
-        return TextTransformKind::titleCase;
-    case ClipboardAction::uppercase:
-        return TextTransformKind::uppercase;
-    case ClipboardAction::lowercase:
-        return TextTransformKind::lowercase;
-    case ClipboardAction::capitalizeWords:
-        return TextTransformKind::capitalizeWords;
-    default:
-        return std::nullopt;
-    }
 }
 
 } // namespace
@@ -88,61 +73,26 @@ RequestOutcome ApplicationCommands::run(const appCommands::Request &request) {
 }
 
 RequestOutcome ApplicationCommands::runClipboardAction(ClipboardAction action) {
-    if (auto kind = transformKindOf(action))
-        return outcomeOf(manager_.transformClipboard(*kind, &termsStore_, false));
-    if (action == ClipboardAction::clearFormatting)
+    switch (action.edit) {
+    case ClipboardEdit::transform:
+        return outcomeOf(manager_.transformClipboard(action.kind, &termsStore_, false));
+    case ClipboardEdit::clearFormatting:
         return outcomeOf(manager_.clearClipboardFormatting());
-    return runLineTool(action);
+    case ClipboardEdit::lineTool:
+        break;
+    }
+    return runLineTool(action.lineTool);
 }
 
-RequestOutcome ApplicationCommands::runLineTool(ClipboardAction action) {
+RequestOutcome ApplicationCommands::runLineTool(LineTool tool) {
     std::optional<bool> written; // the last write of the tool, if it wrote
     const QMetaObject::Connection watch = QObject::connect(
         &manager_, &ClipboardManager::clipboardReplaced, [&written](bool succeeded) { written = succeeded; });
-    switch (action) {
-    case ClipboardAction::htmlToText:
-        lineTools_.htmlToPlainText();
-        break;
-    case ClipboardAction::sortLines:
-        lineTools_.sortLines();
-        break;
-    case ClipboardAction::removeDuplicates:
-        lineTools_.removeDuplicateLines();
-        break;
-    case ClipboardAction::removeEmpty:
-        lineTools_.removeEmptyLines();
-        break;
-    case ClipboardAction::bullet:
-        lineTools_.bulletLines();
-        break;
-    case ClipboardAction::fixWhitespace:
-        lineTools_.fixWhitespace();
-        break;
-    case ClipboardAction::number:
-        lineTools_.numberLines();
-        break;
-    case ClipboardAction::join:
-        lineTools_.joinLines();
-        break;
-    case ClipboardAction::split:
-        lineTools_.splitLines();
-        break;
-    case ClipboardAction::matching:
-        lineTools_.linesMatchingRegex();
-        break;
-    case ClipboardAction::containing:
-        lineTools_.linesContaining();
-        break;
-    case ClipboardAction::findReplace:
-        lineTools_.findAndReplaceClipboard();
-        break;
-    default:
-        break;
-    }
+    lineTools_.run(tool);
     QObject::disconnect(watch);
     if (written)
         return *written ? RequestOutcome::done() : RequestOutcome::notWritten();
-    if (action == ClipboardAction::htmlToText && !manager_.readHTMLAsText())
+    if (tool == LineTool::htmlToText && !manager_.readHTMLAsText())
         return RequestOutcome::nothingToDo("the clipboard holds no HTML");
     if (!manager_.readText(true))
         return RequestOutcome::nothingToDo(std::string(noTextMessage));

@@ -49,7 +49,7 @@ public:
 
 private:
     // The line tools report through the manager's writes; without one, says why nothing changed.
-    RequestOutcome runLineTool(appCommands::ClipboardAction action);
+    RequestOutcome runLineTool(lineTools::LineTool tool);
 
     ClipboardManager &manager_;
     LineToolCommands &lineTools_;

@@ -24,37 +24,12 @@ constexpr std::array<CommandEntry, 8> commandNames = {{
     {"service", Command::service},
 }};
 
-struct ClipboardActionEntry {
-    std::string_view name;
-    ClipboardAction action;
-};
-
-constexpr std::array<ClipboardActionEntry, 18> clipboardActions = {{
-    {"smart-case", ClipboardAction::smartCase},
-    {"title-case", ClipboardAction::titleCase},
-    {"uppercase", ClipboardAction::uppercase},
-    {"lowercase", ClipboardAction::lowercase},
-    {"capitalize-words", ClipboardAction::capitalizeWords},
-    {"clear-formatting", ClipboardAction::clearFormatting},
-    {"html-to-text", ClipboardAction::htmlToText},
-    {"sort-lines", ClipboardAction::sortLines},
-    {"remove-duplicates", ClipboardAction::removeDuplicates},
-    {"remove-empty", ClipboardAction::removeEmpty},
-    {"bullet", ClipboardAction::bullet},
-    {"fix-whitespace", ClipboardAction::fixWhitespace},
-    {"number", ClipboardAction::number},
-    {"join", ClipboardAction::join},
-    {"split", ClipboardAction::split},
-    {"matching", ClipboardAction::matching},
-    {"containing", ClipboardAction::containing},
-    {"find-replace", ClipboardAction::findReplace},
-}};
-
 struct KindEntry {
     std::string_view name;
     TextTransformKind kind;
 };
 
+// Also the first clipboard commands; clear-formatting and the line tools come after them.
 constexpr std::array<KindEntry, 5> kindNames = {{
     {"smart-case", TextTransformKind::smartCase},
     {"title-case", TextTransformKind::titleCase},
@@ -70,6 +45,8 @@ const CommandEntry *commandEntry(std::string_view name) {
     return nullptr;
 }
 
+constexpr std::string_view clearFormattingName = "clear-formatting";
+
 } // namespace
 
 bool isApplicationCommand(std::string_view name) {
@@ -84,23 +61,38 @@ std::string_view commandName(Command command) {
 }
 
 std::optional<ClipboardAction> clipboardActionNamed(std::string_view name) {
-    for (const auto &entry : clipboardActions)
+    for (const auto &entry : kindNames)
         if (entry.name == name)
-            return entry.action;
+            return ClipboardAction{.edit = ClipboardEdit::transform, .kind = entry.kind};
+    if (name == clearFormattingName)
+        return ClipboardAction{.edit = ClipboardEdit::clearFormatting};
+    if (auto tool = lineTools::lineToolWithClipboardName(name))
+        return ClipboardAction{.edit = ClipboardEdit::lineTool, .lineTool = *tool};
     return std::nullopt;
 }
 
 std::string_view clipboardActionName(ClipboardAction action) {
-    for (const auto &entry : clipboardActions)
-        if (entry.action == action)
-            return entry.name;
+    switch (action.edit) {
+    case ClipboardEdit::transform:
+        for (const auto &entry : kindNames)
+            if (entry.kind == action.kind)
+                return entry.name;
+        break;
+    case ClipboardEdit::clearFormatting:
+        return clearFormattingName;
+    case ClipboardEdit::lineTool:
+        return lineTools::lineToolEntry(action.lineTool).clipboardName;
+    }
     return {};
 }
 
 std::vector<std::string_view> clipboardActionNames() {
     std::vector<std::string_view> names;
-    for (const auto &entry : clipboardActions)
+    for (const auto &entry : kindNames)
         names.push_back(entry.name);
+    names.push_back(clearFormattingName);
+    for (const auto &entry : lineTools::lineToolCatalogue)
+        names.push_back(entry.clipboardName);
     return names;
 }
 

@@ -4,6 +4,7 @@
 // this file stays free of Qt.
 #pragma once
 
+#include "clipboard/text/LineToolCatalogue.h"
 #include "transform/TextTransformer.h"
 
 #include <optional>
@@ -27,30 +28,23 @@ enum class Command {
 };
 
 // What `glyphmill clipboard KIND` does to the clipboard: the menu's clipboard commands.
-enum class ClipboardAction {
-    smartCase,
-    titleCase,
-    uppercase,
-    lowercase,
-    capitalizeWords,
+enum class ClipboardEdit {
+    transform,
     clearFormatting,
-    htmlToText,
-    sortLines,
-    removeDuplicates,
-    removeEmpty,
-    bullet,
-    fixWhitespace,
-    number,
-    join,
-    split,
-    matching,
-    containing,
-    findReplace,
+    lineTool,
+};
+
+struct ClipboardAction {
+    ClipboardEdit edit = ClipboardEdit::transform;
+    TextTransformKind kind = TextTransformKind::smartCase;    // for ClipboardEdit::transform
+    lineTools::LineTool lineTool = lineTools::LineTool::sort; // for ClipboardEdit::lineTool
+
+    bool operator==(const ClipboardAction &) const = default;
 };
 
 struct Request {
     Command command = Command::launch;
-    ClipboardAction clipboardAction = ClipboardAction::smartCase; // for Command::clipboard
+    ClipboardAction clipboardAction;                              // for Command::clipboard
     TextTransformKind serviceKind = TextTransformKind::smartCase; // for Command::service
 };
 

@@ -1,7 +1,7 @@
 // What the user asked for on the command line, checked but not yet acted on.
 #pragma once
 
-#include "clipboard/text/LineTools.h"
+#include "clipboard/text/LineToolCatalogue.h"
 #include "transform/TextTransformer.h"
 
 #include <optional>
@@ -30,19 +30,7 @@ enum class HelpTopic {
     service,
 };
 
-enum class LinesTool {
-    sort,
-    removeDuplicates,
-    removeEmpty,
-    bullet,
-    fixWhitespace,
-    number,
-    join,
-    split,
-    matching,
-    containing,
-    replace,
-};
+using LinesTool = lineTools::LineTool;
 
 struct ShowHelp {
     HelpTopic topic;

@@ -185,7 +185,7 @@ Replaces your protected terms by the built-in list, dropping every term you
 added.
 )";
 
-constexpr std::string_view linesHelp =
+constexpr std::string_view linesHelpHead =
     R"(Usage: glyphmill lines TOOL [ARGUMENTS] [FILE] [OPTIONS]
 
 Reshapes FILE, standard input (no FILE, or "-"), or the --text argument line
@@ -193,23 +193,9 @@ by line, and writes the result to standard output. Lines end at LF; a CR stays
 part of its line. The text must be UTF-8.
 
 Tools:
-  sort                     sort the lines
-  remove-duplicates        keep the first of equal lines
-  remove-empty             drop the empty lines
-  bullet                   put a bullet before every line
-  fix-whitespace           repair white space
-  number --style STYLE     number the lines: period, zero-padded, parenthesis
-  join --separator SEP     join the lines: space, comma, comma-space,
-                           semicolon or pipe
-  split --delimiter DELIM  one line per piece: comma, tab, semicolon or any
-                           other text (trimmed)
-  matching --preset NAME   keep the lines that match: email, url, contains-at,
-                           contains-digit or non-empty
-  matching --pattern RE    keep the lines that match the regular expression
-  containing TEXT          keep the lines that contain TEXT (trimmed)
-  replace FIND REPLACEMENT replace FIND everywhere; add --match-case to
-                           respect letter case
+)";
 
+constexpr std::string_view linesHelpTail = R"(
 Options:
   --text TEXT              use TEXT instead of reading input
   -h, --help               show this help (also after a tool)
@@ -217,40 +203,13 @@ Options:
   --                       end of options
 )";
 
-struct LinesToolHelp {
-    LinesTool tool;
-    std::string_view text;
-};
-
-constexpr LinesToolHelp linesToolHelps[] = {
-    {LinesTool::sort, "Usage: glyphmill lines sort [FILE] [--text TEXT]\n\nSorts the lines.\n"},
-    {LinesTool::removeDuplicates, "Usage: glyphmill lines remove-duplicates [FILE] [--text TEXT]\n\n"
-                                  "Keeps the first of every group of equal lines.\n"},
-    {LinesTool::removeEmpty,
-     "Usage: glyphmill lines remove-empty [FILE] [--text TEXT]\n\nDrops the empty lines.\n"},
-    {LinesTool::bullet,
-     "Usage: glyphmill lines bullet [FILE] [--text TEXT]\n\nPuts a bullet before every line.\n"},
-    {LinesTool::fixWhitespace, "Usage: glyphmill lines fix-whitespace [FILE] [--text TEXT]\n\n"
-                               "Collapses runs of spaces and trims the ends of lines.\n"},
-    {LinesTool::number, "Usage: glyphmill lines number [--style period|zero-padded|parenthesis] [FILE]\n\n"
-                        "Numbers the lines as 7., 07. or 7); period unless --style says otherwise.\n"},
-    {LinesTool::join,
-     "Usage: glyphmill lines join [--separator space|comma|comma-space|semicolon|pipe] [FILE]\n\n"
-     "Joins the lines into one; space unless --separator says otherwise.\n"},
-    {LinesTool::split, "Usage: glyphmill lines split [--delimiter comma|tab|semicolon|TEXT] [FILE]\n\n"
-                       "Puts every piece between delimiters on its own line; comma unless\n"
-                       "--delimiter says otherwise. Another TEXT is trimmed of white space.\n"},
-    {LinesTool::matching, "Usage: glyphmill lines matching (--preset NAME | --pattern PATTERN) [FILE]\n\n"
-                          "Keeps the lines that match. Presets: email, url, contains-at, contains-digit,\n"
-                          "non-empty. A PATTERN is an ICU regular expression, trimmed of white space.\n"
-                          "A search that takes too long (about a second, more on inputs of many\n"
-                          "megabytes) is stopped with status 65 and no output.\n"},
-    {LinesTool::containing, "Usage: glyphmill lines containing [--] TEXT [FILE]\n\n"
-                            "Keeps the lines that contain TEXT, trimmed of white space.\n"},
-    {LinesTool::replace, "Usage: glyphmill lines replace [--match-case] [--] FIND REPLACEMENT [FILE]\n\n"
-                         "Replaces every FIND, exactly as typed, by REPLACEMENT, ignoring letter case\n"
-                         "unless --match-case is given. An empty FIND changes nothing.\n"},
-};
+std::string linesHelp() {
+    std::string help(linesHelpHead);
+    for (const auto &entry : lineTools::lineToolCatalogue)
+        help += entry.helpRows;
+    help += linesHelpTail;
+    return help;
+}
 
 constexpr std::string_view htmlToTextHelp = R"(Usage: glyphmill html-to-text [FILE] [--text TEXT]
 
@@ -272,10 +231,8 @@ counts them) of the UTF-8 text.
 )";
 
 std::string linesToolHelp(LinesTool tool) {
-    for (const auto &entry : linesToolHelps)
-        if (entry.tool == tool)
-            return std::string(entry.text);
-    return std::string(linesHelp);
+    const std::string_view help = lineTools::lineToolEntry(tool).help;
+    return help.empty() ? linesHelp() : std::string(help);
 }
 
 std::string transformHelp() {
@@ -310,7 +267,7 @@ std::string helpText(const ShowHelp &request) {
     case HelpTopic::termsRestoreDefaults:
         return std::string(termsRestoreDefaultsHelp);
     case HelpTopic::lines:
-        return std::string(linesHelp);
+        return linesHelp();
     case HelpTopic::linesTool:
         return linesToolHelp(request.linesTool);
     case HelpTopic::htmlToText:

@@ -2,6 +2,7 @@
 
 #include "cli/ArgumentScanner.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <vector>
@@ -10,26 +11,6 @@ namespace glyphmill::cli {
 namespace {
 
 using namespace lineTools;
-
-struct ToolName {
-    std::string_view name;
-    LinesTool tool;
-    std::size_t operands; // positionals the tool needs before the optional FILE
-};
-
-constexpr std::array<ToolName, 11> toolNames = {{
-    {"sort", LinesTool::sort, 0},
-    {"remove-duplicates", LinesTool::removeDuplicates, 0},
-    {"remove-empty", LinesTool::removeEmpty, 0},
-    {"bullet", LinesTool::bullet, 0},
-    {"fix-whitespace", LinesTool::fixWhitespace, 0},
-    {"number", LinesTool::number, 0},
-    {"join", LinesTool::join, 0},
-    {"split", LinesTool::split, 0},
-    {"matching", LinesTool::matching, 0},
-    {"containing", LinesTool::containing, 1},
-    {"replace", LinesTool::replace, 2},
-}};
 
 template <typename Value> struct Choice {
     std::string_view name;
@@ -94,23 +75,8 @@ void takeChoice(Scanner &scanner, std::string_view option, std::string_view valu
 }
 
 // The options only some tools accept, by tool.
-bool acceptsOption(LinesTool tool, std::string_view name) {
-    if (name == "--text")
-        return true;
-    switch (tool) {
-    case LinesTool::number:
-        return name == "--style";
-    case LinesTool::join:
-        return name == "--separator";
-    case LinesTool::split:
-        return name == "--delimiter";
-    case LinesTool::matching:
-        return name == "--preset" || name == "--pattern";
-    case LinesTool::replace:
-        return name == "--match-case";
-    default:
-        return false;
-    }
+bool acceptsOption(const LineToolEntry &tool, std::string_view name) {
+    return name == "--text" || std::ranges::find(tool.options, name) != tool.options.end();
 }
 
 // The optional FILE after the operands; "-" means standard input.
@@ -139,22 +105,20 @@ Invocation parseLines(std::span<const char *const> arguments) {
     Scanner scanner(arguments);
     std::vector<std::string_view> positionals;
     // The tool decides which options exist, so the first positional is found before options count.
-    const ToolName *tool = nullptr;
+    const LineToolEntry *tool = nullptr;
     LinesRequest request;
     bool patternGiven = false, presetGiven = false;
     while (auto token = scanner.next()) {
         if (!token->isOption) {
             if (positionals.empty())
-                for (const auto &entry : toolNames)
-                    if (entry.name == token->text)
-                        tool = &entry;
+                tool = linesToolNamed(token->text);
             positionals.push_back(token->text);
             continue;
         }
         if (scanner.takeCommonOption(*token))
             continue;
         const std::string_view name = token->text;
-        if (!tool || !acceptsOption(tool->tool, name)) {
+        if (!tool || !acceptsOption(*tool, name)) {
             scanner.noteUnknownOption(*token);
             continue;
         }
@@ -200,7 +164,7 @@ Invocation parseLines(std::span<const char *const> arguments) {
         failUsage(*scanner.mistake);
 
     request.tool = tool->tool;
-    const std::string command = "lines " + std::string(tool->name);
+    const std::string command = "lines " + std::string(tool->linesName);
     if (request.tool == LinesTool::matching) {
         if (patternGiven == presetGiven)
             failUsage("lines matching needs either --preset or --pattern");

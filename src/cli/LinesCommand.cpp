@@ -69,59 +69,47 @@ void writeNumberedLines(std::u16string_view text, NumberingStyle style) {
 } // namespace
 
 ExitStatus runLines(const LinesRequest &request) {
+    const LineToolEntry &tool = lineToolEntry(request.tool);
     // Arguments are checked before a possibly long input is read.
     std::u16string argument;
     FindReplaceRequest replacement;
-    switch (request.tool) {
-    case LinesTool::split:
+    switch (tool.question) {
+    case Question::splitDelimiter:
         argument = splitDelimiter(request);
         break;
-    case LinesTool::matching:
+    case Question::pattern:
         argument = regexPattern(request);
         break;
-    case LinesTool::containing:
+    case Question::needle:
         argument = trimmedArgument(request.customText, "the text to look for", "Enter text to match.");
         break;
-    case LinesTool::replace:
+    case Question::findReplace:
         // The find text is searched for exactly as typed, white space included.
         replacement = {decodeText(request.customText, "the find text"),
                        decodeText(request.replacement, "the replacement"), request.matchCase};
         break;
-    default:
+    case Question::none:
+    case Question::numberingStyle:
+    case Question::joinSeparator:
         break;
     }
 
     const std::u16string text = readText(request.input);
-    if (request.tool == LinesTool::number) {
+    std::u16string result;
+    switch (tool.question) {
+    case Question::none:
+        result = tool.reshape(text);
+        break;
+    case Question::numberingStyle:
         writeNumberedLines(text, request.numberingStyle);
         return ExitStatus::success;
-    }
-    std::u16string result;
-    switch (request.tool) {
-    case LinesTool::sort:
-        result = sortedLines(text);
-        break;
-    case LinesTool::removeDuplicates:
-        result = uniqueLines(text);
-        break;
-    case LinesTool::removeEmpty:
-        result = nonEmptyLines(text);
-        break;
-    case LinesTool::bullet:
-        result = bulletedLines(text);
-        break;
-    case LinesTool::fixWhitespace:
-        result = fixedWhitespace(text);
-        break;
-    case LinesTool::number: // written above
-        break;
-    case LinesTool::join:
+    case Question::joinSeparator:
         result = joinedLines(text, separatorText(request.joinSeparator));
         break;
-    case LinesTool::split:
+    case Question::splitDelimiter:
         result = splitText(text, argument);
         break;
-    case LinesTool::matching: {
+    case Question::pattern: {
         MatchingResult matched = matchingLines(argument, text);
         // The pattern compiled, so the search was stopped. Nothing reaches standard output: a
         // partial result would look like a whole one.
@@ -130,10 +118,10 @@ ExitStatus runLines(const LinesRequest &request) {
         result = std::move(matched.lines);
         break;
     }
-    case LinesTool::containing:
+    case Question::needle:
         result = containingLines(argument, text);
         break;
-    case LinesTool::replace:
+    case Question::findReplace:
         // An empty find text changes nothing.
         result = replacement.find.empty() ? text : replacedText(text, replacement);
         break;

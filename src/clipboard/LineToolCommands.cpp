@@ -2,7 +2,6 @@
 
 #include "clipboard/ClipboardManager.h"
 #include "clipboard/ClipboardMonitor.h"
-#include "clipboard/text/LineTools.h"
 #include "clipboard/text/TextClasses.h"
 #include "platform/PlatformServices.h"
 
@@ -56,24 +55,28 @@ LineToolCommands &LineToolCommands::shared() {
     return *instance;
 }
 
-void LineToolCommands::sortLines() {
-    manager_.applyTextOperation(lineTools::sortedLines);
-}
-
-void LineToolCommands::removeDuplicateLines() {
-    manager_.applyTextOperation(lineTools::uniqueLines);
-}
-
-void LineToolCommands::removeEmptyLines() {
-    manager_.applyTextOperation(lineTools::nonEmptyLines);
-}
-
-void LineToolCommands::bulletLines() {
-    manager_.applyTextOperation(lineTools::bulletedLines);
-}
-
-void LineToolCommands::fixWhitespace() {
-    manager_.applyTextOperation(lineTools::fixedWhitespace);
+void LineToolCommands::run(lineTools::LineTool tool) {
+    const lineTools::LineToolEntry &entry = lineTools::lineToolEntry(tool);
+    switch (entry.question) {
+    case lineTools::Question::none:
+        if (entry.reshape)
+            manager_.applyTextOperation(entry.reshape);
+        else
+            htmlToPlainText(); // the one that reads more than text
+        return;
+    case lineTools::Question::numberingStyle:
+        return numberLines();
+    case lineTools::Question::joinSeparator:
+        return joinLines();
+    case lineTools::Question::splitDelimiter:
+        return splitLines();
+    case lineTools::Question::pattern:
+        return linesMatchingRegex();
+    case lineTools::Question::needle:
+        return linesContaining();
+    case lineTools::Question::findReplace:
+        return findAndReplaceClipboard();
+    }
 }
 
 void LineToolCommands::htmlToPlainText() {

@@ -3,6 +3,7 @@
 // leaves the clipboard and the restorable previous text as they were.
 #pragma once
 
+#include "clipboard/text/LineToolCatalogue.h"
 #include "platform/Dialogs.h"
 
 #include <QObject>
@@ -22,11 +23,9 @@ public:
     // Made on first use from the installed platform services; never destroyed.
     static LineToolCommands &shared();
 
-    void sortLines();
-    void removeDuplicateLines();
-    void removeEmptyLines();
-    void bulletLines();
-    void fixWhitespace();
+    // The tool's command, with its question if it asks one.
+    void run(lineTools::LineTool tool);
+
     void htmlToPlainText();
 
     void numberLines();

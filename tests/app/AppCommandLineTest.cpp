@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <vector>
 
 namespace glyphmill::appCommands {
@@ -19,15 +20,20 @@ TEST(AppCommandLine, ReadsEveryCommandAndItsKind) {
     Parsed clipboard = parseWords({"clipboard", "--", "remove-duplicates"});
     ASSERT_TRUE(clipboard.request);
     EXPECT_EQ(clipboard.request->command, Command::clipboard);
-    EXPECT_EQ(clipboard.request->clipboardAction, ClipboardAction::removeDuplicates);
+    EXPECT_EQ(clipboard.request->clipboardAction,
+              (ClipboardAction{.edit = ClipboardEdit::lineTool,
+                               .lineTool = lineTools::LineTool::removeDuplicates}));
 
     // A kind may be named as in `glyphmill transform`, by name or by title.
     EXPECT_EQ(parseWords({"service", "title-case"}).request->serviceKind, TextTransformKind::titleCase);
     EXPECT_EQ(parseWords({"service", "Capitalize Words"}).request->serviceKind,
               TextTransformKind::capitalizeWords);
 
-    for (std::string_view name : clipboardActionNames())
+    std::set<std::string_view> seen;
+    for (std::string_view name : clipboardActionNames()) {
+        EXPECT_TRUE(seen.insert(name).second) << name << " names two commands";
         EXPECT_EQ(clipboardActionName(*clipboardActionNamed(name)), name);
+    }
 }
 
 TEST(AppCommandLine, MistakesAreOneLineAndHelpWinsOverThem) {

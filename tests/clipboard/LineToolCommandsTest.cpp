@@ -7,17 +7,18 @@ using Command = void (LineToolCommands::*)();
 using LineToolCommandTest = ClipboardControllersTest;
 
 TEST_F(LineToolCommandTest, ToolsWithoutInputReplaceTheClipboardTextAndHtmlNeedsHtml) {
-    const std::vector<std::tuple<Command, std::u16string, std::u16string>> cases = {
-        {&LineToolCommands::sortLines, u"b\r\na\r\n", u"a\r\nb\r\n"},
-        {&LineToolCommands::removeDuplicateLines, u"x\ny\nx\nX", u"x\ny\nX"},
-        {&LineToolCommands::removeEmptyLines, u"a\n \t\nb\n", u"a\nb\n"},
-        {&LineToolCommands::bulletLines, u"a\n  \u2022 b", u"\u2022 a\n  \u2022 b"},
-        {&LineToolCommands::fixWhitespace, u"  a\t\tb  \r\n\n\n\nc", u"a b\n\nc"},
-        {&LineToolCommands::htmlToPlainText, u"<p>one</p>\r\n<p>two</p>", u"one\ntwo"},
+    using lineTools::LineTool;
+    const std::vector<std::tuple<LineTool, std::u16string, std::u16string>> cases = {
+        {LineTool::sort, u"b\r\na\r\n", u"a\r\nb\r\n"},
+        {LineTool::removeDuplicates, u"x\ny\nx\nX", u"x\ny\nX"},
+        {LineTool::removeEmpty, u"a\n \t\nb\n", u"a\nb\n"},
+        {LineTool::bullet, u"a\n  \u2022 b", u"\u2022 a\n  \u2022 b"},
+        {LineTool::fixWhitespace, u"  a\t\tb  \r\n\n\n\nc", u"a b\n\nc"},
+        {LineTool::htmlToText, u"<p>one</p>\r\n<p>two</p>", u"one\ntwo"},
     };
-    for (const auto &[command, input, expected] : cases) {
+    for (const auto &[tool, input, expected] : cases) {
         copy(input);
-        (lineTools.*command)();
+        lineTools.run(tool);
         EXPECT_EQ(plainText(), expected);
         EXPECT_EQ(history.savedText(), input);
         EXPECT_EQ(monitor.statistics(), TextStatistics::compute(expected));
@@ -36,10 +37,9 @@ TEST_F(LineToolCommandTest, ToolsWithoutInputReplaceTheClipboardTextAndHtmlNeeds
 TEST_F(LineToolCommandTest, CancellingAnyPromptLeavesEverythingAsItWas) {
     copy(u"text");
     monitor.refresh();
-    for (Command command : {&LineToolCommands::numberLines, &LineToolCommands::joinLines,
-                            &LineToolCommands::splitLines, &LineToolCommands::linesMatchingRegex,
-                            &LineToolCommands::linesContaining, &LineToolCommands::findAndReplaceClipboard})
-        (lineTools.*command)();
+    for (const auto &entry : lineTools::lineToolCatalogue)
+        if (entry.question != lineTools::Question::none)
+            lineTools.run(entry.tool);
     dialogs.answerChoice(3);
     lineTools.splitLines(); // "Custom…", then cancel the text prompt
     EXPECT_EQ(dialogs.shown().size(), 8u);

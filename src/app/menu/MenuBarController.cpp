@@ -15,6 +15,10 @@
 #include <QSystemTrayIcon>
 #include <QUuid>
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 namespace glyphmill {
 
 namespace {
@@ -196,25 +200,20 @@ void MenuBarController::addTransformRow(TextTransformKind kind, bool usable) {
 void MenuBarController::addLineProcessingMenu(bool usable) {
     QMenu &submenu = *addSubmenu(tr("Line Processing"));
     submenu.menuAction()->setEnabled(usable);
+    std::vector<const lineTools::LineToolEntry *> rows;
+    for (const auto &entry : lineTools::lineToolCatalogue)
+        rows.push_back(&entry);
+    std::ranges::sort(rows, {}, [](const lineTools::LineToolEntry *entry) {
+        return std::pair(entry->menuPlace.group, entry->menuPlace.row);
+    });
     LineToolCommands &tools = controllers_.lineTools;
-    const auto add = [&](const char *title, void (LineToolCommands::*command)()) {
-        addRow(submenu, tr(title), [&tools, command] { (tools.*command)(); });
-    };
-    add(QT_TR_NOOP("Sort"), &LineToolCommands::sortLines);
-    add(QT_TR_NOOP("Remove Duplicates"), &LineToolCommands::removeDuplicateLines);
-    add(QT_TR_NOOP("Remove Empty"), &LineToolCommands::removeEmptyLines);
-    submenu.addSeparator();
-    add(QT_TR_NOOP("Number\u2026"), &LineToolCommands::numberLines);
-    add(QT_TR_NOOP("Bullet"), &LineToolCommands::bulletLines);
-    add(QT_TR_NOOP("Join\u2026"), &LineToolCommands::joinLines);
-    add(QT_TR_NOOP("Split\u2026"), &LineToolCommands::splitLines);
-    submenu.addSeparator();
-    add(QT_TR_NOOP("HTML to Plain Text"), &LineToolCommands::htmlToPlainText);
-    add(QT_TR_NOOP("Matching Regex"), &LineToolCommands::linesMatchingRegex);
-    add(QT_TR_NOOP("Containing\u2026"), &LineToolCommands::linesContaining);
-    submenu.addSeparator();
-    add(QT_TR_NOOP("Fix Whitespace"), &LineToolCommands::fixWhitespace);
-    add(QT_TR_NOOP("Find & Replace Clipboard\u2026"), &LineToolCommands::findAndReplaceClipboard);
+    int group = rows.front()->menuPlace.group;
+    for (const lineTools::LineToolEntry *entry : rows) {
+        if (entry->menuPlace.group != group)
+            submenu.addSeparator();
+        group = entry->menuPlace.group;
+        addRow(submenu, tr(entry->menuTitle), [&tools, tool = entry->tool] { tools.run(tool); });
+    }
 }
 
 void MenuBarController::addCaptureHistoryMenu() {
