@@ -1,4 +1,5 @@
 #include "GlyphmillProcess.h"
+#include "support/RepeatedText.h"
 
 #include <gtest/gtest.h>
 
@@ -6,13 +7,6 @@
 
 namespace glyphmill::testing {
 namespace {
-
-std::string repeated(std::string_view piece, int count) {
-    std::string out;
-    for (int i = 0; i < count; ++i)
-        out += piece;
-    return out;
-}
 
 class HtmlToTextCommand : public ::testing::Test {
 protected:

@@ -2,6 +2,7 @@
 // on seeded random strings built from characters that have broken case transforms before. A
 // mismatch is shrunk to a small input and printed as escaped code points.
 #include "reference/ReferenceTransformer.h"
+#include "support/RepeatedText.h"
 #include "transform/CaseRules.h"
 #include "transform/ProtectedSpans.h"
 #include "transform/TextTransformer.h"
@@ -370,12 +371,6 @@ TEST(Differential, SeededRandomInputs) {
 // Long terms that the text nearly repeats make walking the terms from every word too slow, and
 // the matcher changes method part way through a text: both must accept the same terms.
 TEST(Differential, LongTermsThatTheTextNearlyRepeats) {
-    auto repeated = [](std::u16string_view piece, int count) {
-        std::u16string out;
-        for (int i = 0; i < count; ++i)
-            out += piece;
-        return out;
-    };
     const Terms terms = {repeated(u"Ab ", 30) + u"Stop",
                          repeated(u"ab ", 20) + u"ab",
                          repeated(u"Stra\u00DFe ", 12) + u"x",

@@ -1,6 +1,7 @@
 // The placeholders that hide protected text during a transform must never be confused with each
 // other or with the text: not with many thousands of spans and terms, not when the text itself
 // holds U+E000, U+E001 and digits, and not when long texts are cut into chunks.
+#include "support/RepeatedText.h"
 #include "transform/LineChunks.h"
 #include "transform/ProtectedSpans.h"
 #include "transform/TextTransformer.h"
@@ -19,14 +20,6 @@ const std::vector<std::u16string> defaultTerms = {
     u"LLC",    u"Inc.", u"USA",   u"US",  u"U.S.",      u"NY",      u"NJ",         u"MA",
     u"API",    u"PDF",  u"QR",    u"URL", u"HTML",      u"CSS",     u"JavaScript", u"SwiftUI",
     u"iPhone", u"iPad", u"macOS", u"iOS", u"App Store", u"ChatGPT", u"OpenAI"};
-
-std::u16string repeated(std::u16string_view piece, std::size_t count) {
-    std::u16string out;
-    out.reserve(piece.size() * count);
-    for (std::size_t i = 0; i < count; ++i)
-        out += piece;
-    return out;
-}
 
 std::u16string number(std::size_t n) {
     std::string digits = std::to_string(n);

@@ -1,4 +1,5 @@
 #include "transform/TermMatcher.h"
+#include "support/RepeatedText.h"
 
 #include <gtest/gtest.h>
 
@@ -32,13 +33,6 @@ std::vector<Found> scanned(const TermMatcher &matcher, std::u16string_view text)
         found.emplace_back(start, end, term);
     });
     return found;
-}
-
-std::u16string repeated(std::u16string_view piece, std::size_t count) {
-    std::u16string out;
-    for (std::size_t i = 0; i < count; ++i)
-        out += piece;
-    return out;
 }
 
 // Long terms that the text nearly repeats exhaust the walking budget part way through a text,

@@ -1,4 +1,5 @@
 #include "clipboard/text/HtmlParserInput.h"
+#include "support/RepeatedText.h"
 
 #include <gtest/gtest.h>
 #include <libxml/HTMLparser.h>
@@ -404,13 +405,6 @@ TEST(HtmlParserInputTest, ParserBuildsTheSameTreeFromTheRewrittenDocument) {
     }
     // Most documents have attributes to leave out, and the pass follows nearly all of them.
     EXPECT_GT(rewritten, 2000);
-}
-
-std::string repeated(std::string_view piece, int count) {
-    std::string out;
-    for (int i = 0; i < count; ++i)
-        out += piece;
-    return out;
 }
 
 TEST(HtmlParserInputTest, RewritesOnlyWhatLibxml2WouldBeSlowOn) {

@@ -1,4 +1,5 @@
 #include "clipboard/text/HtmlText.h"
+#include "support/RepeatedText.h"
 
 #include <gtest/gtest.h>
 
@@ -83,14 +84,6 @@ TEST(HtmlTextTest, Encodings) {
 TEST(HtmlTextTest, EmptyInputGivesNone) {
     EXPECT_EQ(htmlVisibleText(""), std::nullopt);
     EXPECT_EQ(htmlVisibleText(" \n "), u"");
-}
-
-std::string repeated(std::string_view piece, std::size_t count) {
-    std::string out;
-    out.reserve(piece.size() * count);
-    for (std::size_t i = 0; i < count; ++i)
-        out += piece;
-    return out;
 }
 
 TEST(HtmlTextTest, DeepNestingAndUnclosedElements) {

@@ -1,6 +1,7 @@
 #include "clipboard/text/LineTools.h"
 
 #include "clipboard/text/LocaleCollator.h"
+#include "support/RepeatedText.h"
 #include "transform/TextModel.h"
 
 #include <gtest/gtest.h>
@@ -181,14 +182,6 @@ TEST(MatchingLines, KeepsTheLinesThePatternFindsAMatchIn) {
             EXPECT_EQ(matchingLines(*pattern, u""), kept(u""));
         }
     }
-}
-
-std::u16string repeated(std::u16string_view piece, std::size_t count) {
-    std::u16string text;
-    text.reserve(piece.size() * count);
-    for (std::size_t i = 0; i < count; ++i)
-        text.append(piece);
-    return text;
 }
 
 // Each search below would backtrack for minutes or more; it must give up at its deadline, keep
